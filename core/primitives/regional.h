@@ -19,10 +19,12 @@ struct Regional {
   Text money_thousands_mark;
   Text decimal_mark;
   Text thousands_mark;
-  Text am_symbol, pm_symbol;        // empty where the locale writes 24-hour times
+  Text am_symbol, pm_symbol;  // empty where the locale writes 24-hour times
+  Text long_time_format;      // desktop form: "h:mm:ss tt", "HH:mm:ss"
   bool currency_symbol_first = true;
   bool currency_symbol_space = false;
   bool negative_currency_in_parens = true;  // en_US "($1.00)"; others "-$1.00" style
+  bool negative_sign_after_symbol = false;  // nl_NL "€ -1,00" rather than "-€ 1,00"
   std::array<Text, 12> month_names;         // "January"
   std::array<Text, 12> month_abbrevs;       // "Jan"
   std::array<Text, 7> day_names;            // Sunday first
