@@ -29,7 +29,7 @@ constexpr double kMinSerial = -657434.0;
 constexpr double kMaxSerial = 2958466.0;
 
 bool IsBlank(char16_t c) {
-  return c == u' ' || c == u'\t' || c == u'\u00A0';
+  return c == u' ' || c == u'\t' || c == u'\u00A0' || c == u'\u202F';
 }
 bool IsDigit(char16_t c) {
   return c >= u'0' && c <= u'9';
@@ -573,9 +573,8 @@ std::optional<DateParts> ParseDateText(TextView in, const Regional& r) {
   // What is left is the date: numbers, one month name, weekday names (ignored), separators.
   std::vector<const DateToken*> nums;
   int month_word = -1;
-  int month_pos = -1;          // how many numbers came before the month name
-  bool expect_element = true;  // after a separator another element must come
   bool any_element = false;
+  bool weekday = false;
   bool pending_sep = false;
   for (size_t i = 0; i < toks.size(); ++i) {
     if (used[i]) {
@@ -593,7 +592,7 @@ std::optional<DateParts> ParseDateText(TextView in, const Regional& r) {
         if (pending_sep) return std::nullopt;  // "22//11"
         // A comma may follow a weekday name or the day ("Sunday, November 22, 2026"); others need an
         // element before them.
-        if (!any_element && t.sep != u',') return std::nullopt;
+        if (!any_element && !(weekday && t.sep == u',')) return std::nullopt;
         pending_sep = true;
         break;
       case DateToken::Number:
@@ -607,21 +606,20 @@ std::optional<DateParts> ParseDateText(TextView in, const Regional& r) {
         if (m >= 0) {
           if (month_word >= 0) return std::nullopt;
           month_word = m + 1;
-          month_pos = static_cast<int>(nums.size());
           any_element = true;
           pending_sep = false;
           break;
         }
         if (FindName(t.text, r.day_names.data(), 7) >= 0 || FindName(t.text, r.day_abbrevs.data(), 7) >= 0) {
+          weekday = true;
           pending_sep = false;
           break;
         }
         return std::nullopt;
       }
     }
-    expect_element = pending_sep;
   }
-  if (expect_element && pending_sep) return std::nullopt;  // trailing separator
+  if (pending_sep) return std::nullopt;  // "22/11/2026/"
 
   if (month_word < 0 && nums.empty()) {
     if (!p.has_time) return std::nullopt;
@@ -652,7 +650,6 @@ std::optional<DateParts> ParseDateText(TextView in, const Regional& r) {
         p.year = WidenYear(b);
         p.day = a.value;
       }
-      (void)month_pos;
     }
     if (!ValidDate(p.year, p.month, p.day)) return std::nullopt;
     return p;
@@ -757,7 +754,7 @@ Text Year4(int y) {
 // s ss, t tt, 'quoted' literals. Letters are case-sensitive here as in the regional settings.
 Text RenderLocalePattern(TextView pat, Date date, const Regional& r) {
   CivilTime c = SplitDate(date);
-  int wd = Weekday(date) - 1;
+  int wd = Weekday(MakeDate(c.year, c.month, c.day)) - 1;
   Text out;
   size_t i = 0;
   while (i < pat.size()) {
@@ -1033,8 +1030,9 @@ Text FormatDatePicture(Date date, TextView pic, const Regional& r) {
   for (const auto& it : items)
     if (it.kind == DateItem::AmPm) twelve = true;
   CivilTime c = SplitDate(date);
-  int wd = Weekday(date);  // 1 = Sunday
-  int doy = static_cast<int>(std::floor(date.serial) - std::floor(MakeDate(c.year, 1, 1).serial)) + 1;
+  // From the calendar parts, so that times before 1899-12-30 keep their own day.
+  int wd = Weekday(MakeDate(c.year, c.month, c.day));  // 1 = Sunday
+  int doy = static_cast<int>(MakeDate(c.year, c.month, c.day).serial - MakeDate(c.year, 1, 1).serial) + 1;
   int h12 = c.hour % 12 == 0 ? 12 : c.hour % 12;
   Text out;
   for (const auto& it : items) {
@@ -1191,6 +1189,7 @@ NumPicture ParseNumberPicture(TextView pic) {
   bool in_frac = false;
   bool in_exp = false;
   auto lit = [&](TextView t) {
+    in_exp = false;
     if (!p.items.empty() && p.items.back().kind == NumItem::Literal)
       p.items.back().literal += t;
     else
@@ -1313,17 +1312,15 @@ Text LayoutNumber(Decimal d, const NumPicture& p, const Regional& r) {
         break;
       }
     auto place = [&](Text& piece, int count) {
-      // Prepends `count` digits from the right of what is left, with thousands marks.
+      // Takes `count` digits from the right of what is left, with thousands marks; built backwards.
       Text rev;
       for (int c = 0; c < count && digit_pos > 0; ++c) {
-        if (p.grouping && emitted > 0 && emitted % 3 == 0) {
-          Text m = r.thousands_mark;
-          rev.insert(0, m);
-        }
-        rev.insert(rev.begin(), static_cast<char16_t>(ip[--digit_pos]));
+        if (p.grouping && emitted > 0 && emitted % 3 == 0)
+          rev.append(r.thousands_mark.rbegin(), r.thousands_mark.rend());
+        rev += static_cast<char16_t>(ip[--digit_pos]);
         ++emitted;
       }
-      piece = rev + piece;
+      piece.assign(rev.rbegin(), rev.rend());
     };
     for (size_t k = point_at; k-- > 0;) {
       const NumItem& it = p.items[k];

@@ -87,7 +87,8 @@ Text DesktopPattern(const icu::UnicodeString& icu, bool widen_year) {
       continue;
     }
     if (!((c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z'))) {
-      out += c;
+      // Newer ICU data puts a narrow no-break space before AM/PM; the desktop form has a blank.
+      out += (c == u'\u202F' || c == u'\u00A0') ? u' ' : c;
       ++i;
       continue;
     }
