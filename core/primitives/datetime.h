@@ -9,7 +9,8 @@
 
 namespace lw {
 
-// Unit "d" days, "h" hours, "n" minutes. Any other unit raises 5.
+// Unit "d" days, "h" hours, "n" minutes, in either case; any other unit raises 5. A fractional n is cut
+// toward zero. A result outside the years 100 to 9999 raises 5.
 Date DateAdd(TextView unit, double n, Date d);
 // Whole units from a to b, negative when b is earlier; "n" counts minute boundaries crossed,
 // "h" hour boundaries, "d" midnights.
