@@ -8,13 +8,18 @@
 // Bool, money as Currency, date as Date, number as Number, text and memo as Text, Null as Null.
 //
 // Errors are RuntimeError with these numbers:
-//   3024  the store file is missing (OpenDatabase)
+//   3024  the store file is missing (OpenDatabase); 3343 the file is not a store
 //   3075  malformed statement: garbage, an unterminated literal, an apostrophe the quoting helper refused
-//   3061  a statement names a column or table the store lacks ("Too few parameters")
+//   3061  a statement names a column the store lacks ("Too few parameters"); 3078 an unknown table
+//   3079  an unqualified name two joined tables share; 3085 an unknown function
+//   3096  an aggregate where none may stand (WHERE, SET, VALUES); 3346 INSERT value count mismatch
+//   3065  Execute given a query; 3219 OpenRecordset given a change
 //   3464  a literal cannot be read as the type of the column it meets
 //   3421  a value set on a field cannot be converted to the column's type
 //   3265  a field name the cursor lacks
-//   3021  no current record (reading or editing at EOF/BOF, or on an empty cursor)
+//   3021  no current record (reading or editing at EOF/BOF, moving on an empty cursor or past its end)
+//   3167  the current row was deleted; 3001 a position out of range; 3159 a bookmark of no row
+//   3251  FindFirst on a computed cursor (groups, aggregates, DISTINCT)
 //   3020  Update or CancelUpdate without AddNew or Edit
 //   3027  a change through a read-only cursor (joins, groups, aggregates)
 //   3043  any other failure of the engine (disk full, file locked, corrupt file)
@@ -24,6 +29,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "core/primitives/regional.h"
@@ -95,6 +101,8 @@ class Recordset {
   std::vector<Text> FieldNames() const;
   bool HasField(TextView name) const;
 
+  // MoveFirst/MoveLast on an empty cursor and MoveNext at EOF / MovePrevious at BOF raise 3021.
+  // Moving away from a row being edited or added drops the edit.
   void MoveFirst();
   void MoveLast();
   void MoveNext();
@@ -102,7 +110,8 @@ class Recordset {
   // End and start of file (EOF is a macro of the C library, hence the spelling).
   bool Eof() const;
   bool Bof() const;
-  // Rows seen so far: the whole count only after MoveLast, as a desktop engine gives it.
+  // Number of rows. Callers move to the last row before they trust it, as with a desktop engine; this
+  // cursor knows its keys from the start, so the count is whole at any time.
   int64_t RecordCount() const;
   // Position of the current row from 0, -1 when there is none. Setting it moves there.
   int64_t AbsolutePosition() const;
