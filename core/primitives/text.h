@@ -48,5 +48,12 @@ int Asc(TextView text);
 double Val(TextView text);
 // Null gives 0, a number, money or yes/no its value, a date its serial, a text as above.
 double Val(const Variant& v);
+// A text literal or a Text would convert to both of the above; these say which is meant.
+inline double Val(const Text& text) {
+  return Val(TextView(text));
+}
+inline double Val(const char16_t* text) {
+  return Val(TextView(text));
+}
 
 }  // namespace lw
