@@ -1225,12 +1225,14 @@ Translation TranslateSelect(Statement& st, const TranslateContext& ctx) {
       outs.push_back(std::move(o));
     }
   }
+  std::vector<Text> plain_names;
+  for (auto& o : outs) plain_names.push_back(o.name);
   for (size_t i = 0; i < outs.size(); ++i) {
     if (!outs[i].plain_column || outs[i].value.table < 0) continue;
     for (size_t j = 0; j < outs.size(); ++j) {
       if (i != j && outs[j].plain_column && outs[j].value.table != outs[i].value.table &&
-          SameName(outs[i].name, outs[j].name)) {
-        outs[i].name = tr.tables[outs[i].value.table]->name + u"." + outs[i].name;
+          SameName(plain_names[i], plain_names[j])) {
+        outs[i].name = tr.tables[outs[i].value.table]->name + u"." + plain_names[i];
         break;
       }
     }
