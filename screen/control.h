@@ -70,6 +70,12 @@ class UserError : public std::runtime_error {
  public:
   explicit UserError(const std::string& what) : std::runtime_error(what) {}
 };
+// The control exists but the user cannot reach it now (disabled, hidden, on a locked page): the action
+// is refused and nothing happens. The driver reports it and goes on.
+class UserRefused : public UserError {
+ public:
+  explicit UserRefused(const std::string& what) : UserError(what) {}
+};
 
 class Control {
  public:
@@ -162,6 +168,12 @@ class Control {
   virtual void UserKey(int key_code, int ascii);
   virtual void UserLeave();
 
+  // A property by name (case ignored) as the driver's `get` prints it, with the arguments written in
+  // brackets (`list(3)` gives "list" and {"3"}). Every control knows text, value, caption, visible,
+  // enabled, locked, forecolor, backcolor, tooltip, tag and datafield; kinds add their own. Nothing for
+  // a name the control does not have; UserError for a bad argument.
+  virtual std::optional<Text> Property(TextView name, const std::vector<Text>& args) const;
+
  protected:
   // Raises UserError when the user cannot reach the control.
   void RequireReachable(const char* action) const;
@@ -231,6 +243,7 @@ class ListControl : public Control {
   void LoadBoundValue(const Variant& value, const Regional& regional) override;
   void UserSet(const Text& value) override;
   void UserClick(const Text* argument) override;
+  std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;
 
  private:
   bool Editable() const { return kind() == ControlKind::ComboBox && style == 0; }
@@ -262,6 +275,7 @@ class Menu : public Control {
   // Visible and enabled together with every parent menu.
   bool Reachable() const override;
   void UserClick(const Text* argument) override;
+  std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;
 
  private:
   Menu* parent_;
@@ -278,6 +292,7 @@ class Timer : public Control {
   std::function<void()> OnTimer;
   // Runs OnTimer now (the driver's `tick`, or the queue when the interval has passed).
   void Fire();
+  std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;
   // For the event queue: when the timer last fired or was started.
   std::chrono::steady_clock::time_point started{};
 
@@ -322,6 +337,7 @@ class Toolbar : public Control {
   std::function<void(int number)> OnButtonClick;
   // The argument is the button number or its caption.
   void UserClick(const Text* argument) override;
+  std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;
 
  private:
   std::vector<Button> buttons_;
@@ -357,6 +373,7 @@ class ListBar : public Control {
   std::function<void(int group, int item, int button)> OnItemClick;
   void UserClick(const Text* argument) override;
   void UserRightClick(const Text* argument) override;
+  std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;
 
  private:
   void ClickItem(const Text* argument, int button);
@@ -382,9 +399,12 @@ class TabStrip : public Control {
   // Switches page; fires OnTabClick when the page changes. Raises 380 outside the strip.
   void SetTab(int at);
   std::function<void(int previous_tab)> OnTabClick;
+  // The value of a tab strip is its current page.
+  void SetValue(int value) override { SetTab(value); }
   // The user picks a page: refused when the strip, or that page, is disabled or hidden.
   void UserTab(int at);
   void UserClick(const Text* argument) override;
+  std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;
 
  private:
   std::vector<Page> pages_;
@@ -404,6 +424,7 @@ class StatusBar : public Control {
   // A click fires OnClick and then OnPanelClick with the panel (1 when the driver gives none).
   std::function<void(int panel)> OnPanelClick;
   void UserClick(const Text* argument) override;
+  std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;
 
  private:
   std::vector<Text> panels_;
@@ -433,27 +454,34 @@ class TreeView : public Control {
   std::function<void(int node)> OnNodeClick;
   // The argument is a node's key or text.
   void UserClick(const Text* argument) override;
+  std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;
 
  private:
   std::vector<Node> nodes_;
   int selected_ = -1;
 };
 
-// The place of the web view. What loads a page is given by the program (`navigator`); the control keeps
-// the address and what the page shows.
-class WebBrowser : public Control {
+// The place of the web view on a form. The browser itself is the platform's lw::WebBrowser; the program
+// hands addresses to it through `navigator` and reports the page back with DocumentComplete. The
+// control keeps the address and what the page shows.
+class BrowserControl : public Control {
  public:
-  WebBrowser(Form& form, Text name, int index = -1)
+  BrowserControl(Form& form, Text name, int index = -1)
       : Control(form, ControlKind::WebBrowser, std::move(name), index) {}
   Text location_url;
   Text document_title;
   Text document_text;  // the page as text, one cell a line
   bool busy = false;
-  std::function<void(WebBrowser& browser, const Text& url)> navigator;
+  std::function<void(BrowserControl& browser, const Text& url)> navigator;
   // Records the address and hands it to the navigator.
   void Navigate(const Text& url);
   std::function<void(const Text& url)> OnDocumentComplete;
   void DocumentComplete(const Text& url);
+  std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;
 };
+
+// Older name of BrowserControl, kept until the forms that use it have moved over; it goes away when the
+// platform's web view (also lw::WebBrowser) is wired to the screen.
+using WebBrowser = BrowserControl;
 
 }  // namespace lw

@@ -10,6 +10,8 @@
 #include <mutex>
 #include <vector>
 
+#include "platform/event_port.h"
+
 namespace lw {
 
 class Timer;
@@ -53,6 +55,9 @@ class EventQueue {
   // Number of closures queued and pieces of work outstanding (any thread).
   size_t Queued() const;
   size_t Outstanding() const;
+
+  // The port through which platform transports reach this queue: post queues, hold takes a Work.
+  EventPort Port();
 
   // Called (on the posting thread) after every Post, so that a desktop loop can wake up.
   void SetWakeup(std::function<void()> wakeup);

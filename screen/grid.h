@@ -66,6 +66,7 @@ class Grid : public Control {
   // The driver: `click grid N` clicks heading N; `row grid N` clicks row N.
   void UserClick(const Text* argument) override;
   void UserRow(int row);
+  std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;
 
  private:
   DataControl* source_ = nullptr;

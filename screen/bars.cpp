@@ -1,0 +1,366 @@
+// Toolbars, the list bar, the tab strip, the status bar, the tree view and the web view's place.
+#include "core/primitives/encoding.h"
+#include "screen/control.h"
+#include "screen/form.h"
+#include "screen/names.h"
+#include "screen/property_args.h"
+
+namespace lw {
+
+namespace {
+
+[[noreturn]] void BadValue() {
+  throw RuntimeError(err::kInvalidPropertyValue, "Invalid property value");
+}
+
+}  // namespace
+
+// ---- Toolbar
+
+int Toolbar::AddButton(const Text& caption, const Text& tooltip) {
+  Button b;
+  b.caption = caption;
+  b.tooltip = tooltip;
+  buttons_.push_back(std::move(b));
+  return ButtonCount();
+}
+
+Toolbar::Button& Toolbar::button(int number) {
+  if (number < 1 || number > ButtonCount()) BadValue();
+  return buttons_[number - 1];
+}
+
+const Toolbar::Button& Toolbar::button(int number) const {
+  if (number < 1 || number > ButtonCount()) BadValue();
+  return buttons_[number - 1];
+}
+
+void Toolbar::UserClick(const Text* argument) {
+  if (!argument)
+    throw UserError("a click on toolbar " + ToUtf8(Reference()) + " needs a button number or caption");
+  RequireReachable("click");
+  int number = 0;
+  if (!ParseInt(*argument, number)) {
+    number = 0;
+    for (int i = 0; i < ButtonCount(); ++i)
+      if (SameName(buttons_[i].caption, *argument)) {
+        number = i + 1;
+        break;
+      }
+  }
+  if (number < 1 || number > ButtonCount())
+    throw UserError("toolbar " + ToUtf8(Reference()) + " has no button " + ToUtf8(*argument));
+  const Button& b = buttons_[number - 1];
+  if (!b.visible || !b.enabled)
+    throw UserRefused("cannot click button " + std::to_string(number) + " of " + ToUtf8(Reference()) +
+                      ": it is " + (b.visible ? "disabled" : "hidden"));
+  if (OnButtonClick) OnButtonClick(number);
+}
+
+std::optional<Text> Toolbar::Property(TextView name, const std::vector<Text>& args) const {
+  const Text n = FoldName(name);
+  if (n == u"buttons" && args.empty()) return IntText(ButtonCount());
+  if (n == u"button" || n == u"buttonenabled" || n == u"buttonvisible" || n == u"buttontooltip" ||
+      n == u"buttonchecked") {
+    int number = IntArgument(args, 0, name);
+    if (number < 1 || number > ButtonCount())
+      throw UserError("toolbar " + ToUtf8(Reference()) + " has no button " + std::to_string(number));
+    const Button& b = buttons_[number - 1];
+    if (n == u"button") return b.caption;
+    if (n == u"buttonenabled") return BoolText(b.enabled);
+    if (n == u"buttonvisible") return BoolText(b.visible);
+    if (n == u"buttonchecked") return BoolText(b.checked);
+    return b.tooltip;
+  }
+  return Control::Property(name, args);
+}
+
+// ---- List bar
+
+int ListBar::AddGroup(const Text& caption) {
+  groups_.push_back(Group{caption, {}});
+  return GroupCount() - 1;
+}
+
+int ListBar::AddItem(int group, const Text& caption, const Text& tip, const Text& key) {
+  auto& items = this->group(group).items;
+  Item item;
+  item.caption = caption;
+  item.tip = tip;
+  item.key = key;
+  items.push_back(std::move(item));
+  return static_cast<int>(items.size()) - 1;
+}
+
+void ListBar::Clear() {
+  groups_.clear();
+  current_group = 0;
+}
+
+ListBar::Group& ListBar::group(int at) {
+  if (at < 0 || at >= GroupCount()) BadValue();
+  return groups_[at];
+}
+
+const ListBar::Group& ListBar::group(int at) const {
+  if (at < 0 || at >= GroupCount()) BadValue();
+  return groups_[at];
+}
+
+std::optional<std::pair<int, int>> ListBar::FindItem(TextView caption) const {
+  auto in_group = [&](int g) -> int {
+    const auto& items = groups_[g].items;
+    for (size_t i = 0; i < items.size(); ++i)
+      if (SameName(items[i].caption, caption)) return static_cast<int>(i);
+    return -1;
+  };
+  if (current_group >= 0 && current_group < GroupCount()) {
+    if (int i = in_group(current_group); i >= 0) return std::pair{current_group, i};
+  }
+  for (int g = 0; g < GroupCount(); ++g)
+    if (int i = in_group(g); i >= 0) return std::pair{g, i};
+  return std::nullopt;
+}
+
+void ListBar::ClickItem(const Text* argument, int button) {
+  if (!argument) throw UserError("a click on list bar " + ToUtf8(Reference()) + " needs an item caption");
+  RequireReachable("click");
+  auto found = FindItem(*argument);
+  if (!found)
+    throw UserError("list bar " + ToUtf8(Reference()) + " has no item \"" + ToUtf8(*argument) + "\"");
+  const auto [g, i] = *found;
+  if (!groups_[g].items[i].enabled)
+    throw UserRefused("cannot click \"" + ToUtf8(*argument) + "\" of " + ToUtf8(Reference()) +
+                      ": it is disabled");
+  current_group = g;
+  if (OnItemClick) OnItemClick(g, i, button);
+}
+
+void ListBar::UserClick(const Text* argument) {
+  ClickItem(argument, kLeftButton);
+}
+void ListBar::UserRightClick(const Text* argument) {
+  ClickItem(argument, kRightButton);
+}
+
+std::optional<Text> ListBar::Property(TextView name, const std::vector<Text>& args) const {
+  const Text n = FoldName(name);
+  if (n == u"groups" && args.empty()) return IntText(GroupCount());
+  if (n == u"currentgroup" && args.empty()) return IntText(current_group);
+  auto group_at = [&](size_t at) -> const Group& {
+    int g = IntArgument(args, at, name);
+    if (g < 0 || g >= GroupCount()) throw UserError("list bar has no group " + std::to_string(g));
+    return groups_[g];
+  };
+  if (n == u"group" && args.size() == 1) return group_at(0).caption;
+  if (n == u"items" && args.size() == 1) return IntText(static_cast<long long>(group_at(0).items.size()));
+  if ((n == u"item" || n == u"tip" || n == u"key") && args.size() == 2) {
+    const Group& g = group_at(0);
+    int i = IntArgument(args, 1, name);
+    if (i < 0 || i >= static_cast<int>(g.items.size()))
+      throw UserError("list bar group has no item " + std::to_string(i));
+    const Item& item = g.items[i];
+    return n == u"item" ? item.caption : n == u"tip" ? item.tip : item.key;
+  }
+  return Control::Property(name, args);
+}
+
+// ---- Tab strip
+
+void TabStrip::SetTabs(int count) {
+  if (count < 1) BadValue();
+  pages_.resize(count);
+  if (tab_ >= count) SetTab(count - 1);
+}
+
+TabStrip::Page& TabStrip::page(int at) {
+  if (at < 0 || at >= Tabs()) BadValue();
+  return pages_[at];
+}
+
+const TabStrip::Page& TabStrip::page(int at) const {
+  if (at < 0 || at >= Tabs()) BadValue();
+  return pages_[at];
+}
+
+void TabStrip::SetTab(int at) {
+  if (at < 0 || at >= Tabs()) BadValue();
+  if (at == tab_) return;
+  int previous = tab_;
+  tab_ = at;
+  Control::SetValue(at);
+  if (OnTabClick) OnTabClick(previous);
+}
+
+void TabStrip::UserTab(int at) {
+  if (at < 0 || at >= Tabs()) throw UserError(ToUtf8(Reference()) + " has no page " + std::to_string(at));
+  RequireReachable("switch the page of");
+  const Page& p = pages_[at];
+  if (!p.visible || !p.enabled)
+    throw UserRefused("cannot switch to page " + std::to_string(at) + ": it is " +
+                      (p.visible ? "disabled" : "hidden"));
+  SetTab(at);
+}
+
+void TabStrip::UserClick(const Text* argument) {
+  if (!argument) throw UserError("a click on " + ToUtf8(Reference()) + " needs a page number or caption");
+  int at = -1;
+  if (!ParseInt(*argument, at)) {
+    at = -1;
+    for (int i = 0; i < Tabs(); ++i)
+      if (SameName(pages_[i].caption, *argument)) at = i;
+    if (at < 0) throw UserError(ToUtf8(Reference()) + " has no page \"" + ToUtf8(*argument) + "\"");
+  }
+  UserTab(at);
+}
+
+std::optional<Text> TabStrip::Property(TextView name, const std::vector<Text>& args) const {
+  const Text n = FoldName(name);
+  if (args.empty()) {
+    if (n == u"tab" || n == u"value") return IntText(tab_);
+    if (n == u"tabs") return IntText(Tabs());
+    if (n == u"caption" || n == u"text") return tab_ < Tabs() ? pages_[tab_].caption : Text();
+  }
+  if (n == u"tabcaption" || n == u"tabenabled" || n == u"tabvisible") {
+    int at = IntArgument(args, 0, name);
+    if (at < 0 || at >= Tabs()) throw UserError(ToUtf8(Reference()) + " has no page " + std::to_string(at));
+    const Page& p = pages_[at];
+    if (n == u"tabcaption") return p.caption;
+    if (n == u"tabenabled") return BoolText(p.enabled);
+    return BoolText(p.visible);
+  }
+  return Control::Property(name, args);
+}
+
+// ---- Status bar
+
+void StatusBar::SetPanels(int count) {
+  if (count < 1) BadValue();
+  panels_.resize(count);
+}
+
+const Text& StatusBar::panel(int number) const {
+  if (number < 1 || number > Panels()) BadValue();
+  return panels_[number - 1];
+}
+
+void StatusBar::SetPanel(int number, const Text& text) {
+  if (number < 1 || number > Panels()) BadValue();
+  panels_[number - 1] = text;
+}
+
+void StatusBar::UserClick(const Text* argument) {
+  int number = 1;
+  if (argument && (!ParseInt(*argument, number) || number < 1 || number > Panels()))
+    throw UserError(ToUtf8(Reference()) + " has no panel " + ToUtf8(*argument));
+  RequireReachable("click");
+  Fire(OnClick);
+  if (OnPanelClick) OnPanelClick(number);
+}
+
+std::optional<Text> StatusBar::Property(TextView name, const std::vector<Text>& args) const {
+  const Text n = FoldName(name);
+  if (n == u"panels" && args.empty()) return IntText(Panels());
+  if (n == u"panel") {
+    int number = IntArgument(args, 0, name);
+    if (number < 1 || number > Panels())
+      throw UserError(ToUtf8(Reference()) + " has no panel " + std::to_string(number));
+    return panels_[number - 1];
+  }
+  if ((n == u"text" || n == u"caption") && args.empty()) return Panels() > 0 ? panels_[0] : Text();
+  return Control::Property(name, args);
+}
+
+// ---- Tree view
+
+int TreeView::AddNode(int parent, const Text& key, const Text& text) {
+  if (parent < -1 || parent >= NodeCount()) throw RuntimeError(35601, "Element not found");
+  if (!key.empty() && FindKey(key) >= 0) throw RuntimeError(35602, "Key is not unique in collection");
+  Node node;
+  node.key = key;
+  node.text = text;
+  node.parent = parent;
+  nodes_.push_back(std::move(node));
+  return NodeCount() - 1;
+}
+
+void TreeView::Clear() {
+  nodes_.clear();
+  selected_ = -1;
+}
+
+TreeView::Node& TreeView::node(int at) {
+  if (at < 0 || at >= NodeCount()) throw RuntimeError(35600, "Index out of bounds");
+  return nodes_[at];
+}
+
+const TreeView::Node& TreeView::node(int at) const {
+  if (at < 0 || at >= NodeCount()) throw RuntimeError(35600, "Index out of bounds");
+  return nodes_[at];
+}
+
+int TreeView::FindKey(TextView key) const {
+  for (int i = 0; i < NodeCount(); ++i)
+    if (nodes_[i].key == key) return i;
+  return -1;
+}
+
+void TreeView::Select(int at) {
+  if (at < -1 || at >= NodeCount()) throw RuntimeError(35600, "Index out of bounds");
+  selected_ = at;
+}
+
+void TreeView::UserClick(const Text* argument) {
+  if (!argument) return Control::UserClick(nullptr);
+  RequireReachable("click");
+  int at = FindKey(*argument);
+  if (at < 0)
+    for (int i = 0; i < NodeCount() && at < 0; ++i)
+      if (nodes_[i].text == *argument) at = i;
+  if (at < 0) throw UserError(ToUtf8(Reference()) + " has no node \"" + ToUtf8(*argument) + "\"");
+  // A node under a collapsed parent is not on show.
+  for (int p = nodes_[at].parent; p >= 0; p = nodes_[p].parent)
+    if (!nodes_[p].expanded)
+      throw UserRefused("node \"" + ToUtf8(*argument) + "\" is inside a collapsed node");
+  form().SetFocus(this);
+  selected_ = at;
+  if (OnNodeClick) OnNodeClick(at);
+  Fire(OnClick);
+}
+
+std::optional<Text> TreeView::Property(TextView name, const std::vector<Text>& args) const {
+  const Text n = FoldName(name);
+  if (args.empty()) {
+    if (n == u"nodes") return IntText(NodeCount());
+    if (n == u"text") return selected_ >= 0 ? nodes_[selected_].text : Text();
+    if (n == u"selectedkey") return selected_ >= 0 ? nodes_[selected_].key : Text();
+  }
+  return Control::Property(name, args);
+}
+
+// ---- Web view
+
+void BrowserControl::Navigate(const Text& url) {
+  location_url = url;
+  busy = true;
+  if (navigator) navigator(*this, url);
+}
+
+void BrowserControl::DocumentComplete(const Text& url) {
+  busy = false;
+  location_url = url;
+  if (OnDocumentComplete) OnDocumentComplete(url);
+}
+
+std::optional<Text> BrowserControl::Property(TextView name, const std::vector<Text>& args) const {
+  const Text n = FoldName(name);
+  if (args.empty()) {
+    if (n == u"locationurl" || n == u"text") return location_url;
+    if (n == u"locationname" || n == u"title") return document_title;
+    if (n == u"document") return document_text;
+    if (n == u"busy") return BoolText(busy);
+  }
+  return Control::Property(name, args);
+}
+
+}  // namespace lw

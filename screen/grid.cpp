@@ -1,0 +1,247 @@
+#include "screen/grid.h"
+
+#include "core/primitives/convert.h"
+#include "core/primitives/encoding.h"
+#include "screen/data_control.h"
+#include "screen/form.h"
+#include "screen/names.h"
+#include "screen/property_args.h"
+
+namespace lw {
+
+namespace {
+
+[[noreturn]] void BadValue() {
+  throw RuntimeError(err::kInvalidPropertyValue, "Invalid property value");
+}
+
+// Puts a cursor back where it stood after the grid has walked it.
+class CursorPlace {
+ public:
+  explicit CursorPlace(Recordset& r) : r_(r) {
+    if (r.Eof() && r.Bof()) {
+      where_ = kEmpty;
+    } else if (r.Eof()) {
+      where_ = kAfterEnd;
+    } else if (r.Bof()) {
+      where_ = kBeforeStart;
+    } else {
+      where_ = kRow;
+      bookmark_ = r.Bookmark();
+    }
+  }
+  void Restore() {
+    switch (where_) {
+      case kEmpty:
+        return;
+      case kAfterEnd:
+        r_.MoveLast();
+        r_.MoveNext();
+        return;
+      case kBeforeStart:
+        r_.MoveFirst();
+        r_.MovePrevious();
+        return;
+      case kRow:
+        r_.SetBookmark(bookmark_);
+        return;
+    }
+  }
+
+ private:
+  enum Where { kEmpty, kAfterEnd, kBeforeStart, kRow };
+  Recordset& r_;
+  Where where_;
+  RecordBookmark bookmark_;
+};
+
+}  // namespace
+
+Grid::Grid(Form& form, Text name, int index) : Control(form, ControlKind::Grid, std::move(name), index) {}
+
+int Grid::AddColumn(const Text& caption, const Text& data_field) {
+  Column c;
+  c.caption = caption;
+  c.data_field = data_field;
+  columns.push_back(std::move(c));
+  return ColumnCount() - 1;
+}
+
+Grid::Column& Grid::column(int at) {
+  if (at < 0 || at >= ColumnCount()) BadValue();
+  return columns[at];
+}
+
+void Grid::SetDataSource(DataControl* source) {
+  if (source) {
+    Bind(*source, Text());
+  } else {
+    Unbind();
+  }
+  row_ = -1;
+}
+
+void Grid::AddRow(std::vector<Text> cells) {
+  cells.resize(std::max<size_t>(cells.size(), columns.size()));
+  rows_.push_back(std::move(cells));
+}
+
+void Grid::ClearRows() {
+  rows_.clear();
+  row_ = -1;
+}
+
+void Grid::SetCell(int row, int col, const Text& text) {
+  if (row < 0 || row >= static_cast<int>(rows_.size()) || col < 0) BadValue();
+  auto& cells = rows_[row];
+  if (col >= static_cast<int>(cells.size())) cells.resize(col + 1);
+  cells[col] = text;
+}
+
+std::vector<std::vector<Text>> Grid::Rows() const {
+  DataControl* source = data_source();
+  if (!source) {
+    auto out = rows_;
+    for (auto& cells : out) cells.resize(std::max<size_t>(cells.size(), columns.size()));
+    return out;
+  }
+  std::vector<std::vector<Text>> out;
+  if (!source->HasRecordset()) return out;
+  Recordset& r = source->recordset();
+  if (r.Eof() && r.Bof()) return out;
+  const Regional fallback;
+  const Regional& regional = source->database() ? source->database()->regional() : fallback;
+  std::unique_ptr<Recordset> copy;
+  Recordset* walk = &r;
+  if (r.EditInProgress()) {
+    // Walking the cursor would drop the edit in hand: read the same query through a cursor of our own.
+    copy = source->database()->OpenRecordset(source->RecordSource);
+    walk = copy.get();
+  }
+  std::optional<CursorPlace> place;
+  if (!copy) place.emplace(*walk);
+  try {
+    for (walk->MoveFirst(); !walk->Eof(); walk->MoveNext()) {
+      std::vector<Text> cells;
+      cells.reserve(columns.size());
+      for (const Column& c : columns) {
+        if (c.data_field.empty()) {
+          cells.emplace_back();
+          continue;
+        }
+        Variant v = walk->Fields(c.data_field);
+        cells.push_back(c.format ? c.format(v) : v.IsNull() ? Text() : CStr(v, regional));
+      }
+      out.push_back(std::move(cells));
+    }
+  } catch (...) {
+    if (place) place->Restore();
+    throw;
+  }
+  if (place) place->Restore();
+  return out;
+}
+
+int Grid::RowCount() const {
+  DataControl* source = data_source();
+  if (!source) return static_cast<int>(rows_.size());
+  if (!source->HasRecordset()) return 0;
+  Recordset& r = source->recordset();
+  if (r.Eof() && r.Bof()) return 0;
+  if (r.EditInProgress()) return static_cast<int>(Rows().size());
+  CursorPlace place(r);
+  r.MoveLast();
+  int64_t count = r.RecordCount();
+  place.Restore();
+  return static_cast<int>(count);
+}
+
+Text Grid::Cell(int row, int col) const {
+  if (row < 0 || col < 0 || col >= ColumnCount()) return Text();
+  if (!data_source()) {
+    if (row >= static_cast<int>(rows_.size())) return Text();
+    const auto& cells = rows_[row];
+    return col < static_cast<int>(cells.size()) ? cells[col] : Text();
+  }
+  auto rows = Rows();
+  if (row >= static_cast<int>(rows.size())) return Text();
+  return rows[row][col];
+}
+
+int Grid::row() const {
+  DataControl* source = data_source();
+  if (!source) return row_;
+  if (!source->HasRecordset()) return -1;
+  Recordset& r = source->recordset();
+  if (r.Eof() || r.Bof()) return -1;
+  return static_cast<int>(r.AbsolutePosition());
+}
+
+void Grid::SetRow(int row) {
+  const int last = this->row();
+  if (DataControl* source = data_source()) {
+    if (row < 0 || row >= RowCount()) BadValue();
+    source->MoveTo(row);
+  } else {
+    if (row < 0 || row >= static_cast<int>(rows_.size())) BadValue();
+    row_ = row;
+  }
+  if (OnRowColChange) OnRowColChange(last, col_);
+}
+
+void Grid::SetCol(int col) {
+  if (col < 0 || col >= ColumnCount()) BadValue();
+  const int last = col_;
+  col_ = col;
+  if (last != col && OnRowColChange) OnRowColChange(row(), last);
+}
+
+void Grid::UserClick(const Text* argument) {
+  if (!argument) return Control::UserClick(nullptr);
+  int col = 0;
+  if (!ParseInt(*argument, col))
+    throw UserError("a click on grid " + ToUtf8(Reference()) + " takes a column number");
+  if (col < 0 || col >= ColumnCount())
+    throw UserError("grid " + ToUtf8(Reference()) + " has no column " + std::to_string(col));
+  RequireReachable("click");
+  if (!columns[col].visible) throw UserRefused("column " + std::to_string(col) + " is hidden");
+  if (OnHeadClick) OnHeadClick(col);
+}
+
+void Grid::UserRow(int row) {
+  RequireReachable("click a row of");
+  if (row < 0 || row >= RowCount())
+    throw UserError("grid " + ToUtf8(Reference()) + " has no row " + std::to_string(row));
+  form().SetFocus(this);
+  SetRow(row);
+  Fire(OnClick);
+}
+
+std::optional<Text> Grid::Property(TextView name, const std::vector<Text>& args) const {
+  const Text n = FoldName(name);
+  if (args.empty()) {
+    if (n == u"row" || n == u"value") return IntText(row());
+    if (n == u"col") return IntText(col_);
+    if (n == u"rows" || n == u"listcount") return IntText(RowCount());
+    if (n == u"columns") return IntText(ColumnCount());
+    if (n == u"text") {
+      int r = row();
+      return r >= 0 ? Cell(r, col_) : Text();
+    }
+  }
+  if (n == u"cell" && args.size() == 2) return Cell(IntArgument(args, 0, name), IntArgument(args, 1, name));
+  if (n == u"caption" || n == u"columnwidth" || n == u"columnvisible" || n == u"columnfield") {
+    if (args.size() != 1)
+      return args.empty() && n == u"caption" ? Control::Property(name, args) : std::nullopt;
+    int col = IntArgument(args, 0, name);
+    if (col < 0 || col >= ColumnCount()) throw UserError("grid has no column " + std::to_string(col));
+    const Column& c = columns[col];
+    if (n == u"caption") return c.caption;
+    if (n == u"columnwidth") return IntText(c.width);
+    if (n == u"columnvisible") return BoolText(c.visible);
+    return c.data_field;
+  }
+  return Control::Property(name, args);
+}
+
+}  // namespace lw
