@@ -13,6 +13,32 @@
 #include "core/primitives/encoding.h"
 #include "core/store/store.h"
 
+namespace lw {
+// Readable values in failure messages.
+inline void PrintTo(const Variant& v, std::ostream* os) {
+  switch (v.kind()) {
+    case Variant::Kind::Null:
+      *os << "Null";
+      break;
+    case Variant::Kind::Bool:
+      *os << (*v.boolean() ? "True" : "False");
+      break;
+    case Variant::Kind::Number:
+      *os << *v.number();
+      break;
+    case Variant::Kind::Currency:
+      *os << "Currency(" << v.currency()->scaled() << "/10000)";
+      break;
+    case Variant::Kind::Date:
+      *os << "Date(" << v.date()->serial << ")";
+      break;
+    case Variant::Kind::Text:
+      *os << '"' << ToUtf8(*v.text()) << '"';
+      break;
+  }
+}
+}  // namespace lw
+
 namespace lw::testing {
 
 class StoreTest : public ::testing::Test {
