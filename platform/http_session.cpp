@@ -1,0 +1,196 @@
+#include "platform/http_session.h"
+
+#include <curl/curl.h>
+
+#include <array>
+#include <mutex>
+
+#include "core/primitives/types.h"
+
+namespace lw {
+
+namespace {
+
+std::once_flag g_curl_init;
+
+void InitCurl() {
+  std::call_once(g_curl_init, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
+}
+
+struct Transfer {
+  HttpResponse* response;
+  const FetchControl* control;
+  long long last_received = -1;
+  long long last_expected = -1;
+};
+
+size_t OnBody(char* data, size_t size, size_t count, void* user) {
+  auto* t = static_cast<Transfer*>(user);
+  t->response->body.append(data, size * count);
+  return size * count;
+}
+
+int OnProgress(void* user, curl_off_t dltotal, curl_off_t dlnow, curl_off_t, curl_off_t) {
+  auto* t = static_cast<Transfer*>(user);
+  if (t->control->cancel && t->control->cancel->load()) return 1;
+  if (t->control->progress && (dlnow != t->last_received || dltotal != t->last_expected)) {
+    t->last_received = dlnow;
+    t->last_expected = dltotal;
+    t->control->progress(dlnow, dltotal);
+  }
+  return 0;
+}
+
+int OnPrereq(void* user, char*, char*, int, int) {
+  auto* t = static_cast<Transfer*>(user);
+  if (t->control->cancel && t->control->cancel->load()) return CURL_PREREQFUNC_ABORT;
+  if (t->control->connected && !t->control->connected()) return CURL_PREREQFUNC_ABORT;
+  return CURL_PREREQFUNC_OK;
+}
+
+struct EasyCloser {
+  void operator()(CURL* c) const { curl_easy_cleanup(c); }
+};
+struct SlistCloser {
+  void operator()(curl_slist* l) const { curl_slist_free_all(l); }
+};
+
+}  // namespace
+
+// The shared cookie store, locked because background fetches run on their own threads.
+struct HttpSession::Share {
+  CURLSH* handle = nullptr;
+  std::array<std::mutex, CURL_LOCK_DATA_LAST> locks;
+
+  Share() {
+    handle = curl_share_init();
+    curl_share_setopt(handle, CURLSHOPT_SHARE, CURL_LOCK_DATA_COOKIE);
+    curl_share_setopt(handle, CURLSHOPT_SHARE, CURL_LOCK_DATA_DNS);
+    curl_share_setopt(handle, CURLSHOPT_USERDATA, this);
+    curl_share_setopt(handle, CURLSHOPT_LOCKFUNC, &Share::Lock);
+    curl_share_setopt(handle, CURLSHOPT_UNLOCKFUNC, &Share::Unlock);
+  }
+  ~Share() { curl_share_cleanup(handle); }
+
+  static void Lock(CURL*, curl_lock_data data, curl_lock_access, void* user) {
+    static_cast<Share*>(user)->locks[data].lock();
+  }
+  static void Unlock(CURL*, curl_lock_data data, void* user) {
+    static_cast<Share*>(user)->locks[data].unlock();
+  }
+};
+
+HttpSession::HttpSession() {
+  InitCurl();
+  share_ = std::make_unique<Share>();
+}
+
+HttpSession::~HttpSession() = default;
+
+HttpResponse HttpSession::Perform(const HttpRequest& request, const FetchControl& control) const {
+  std::unique_ptr<CURL, EasyCloser> easy(curl_easy_init());
+  if (!easy) throw RuntimeError(CURLE_FAILED_INIT, "Connection Failed: cannot start a transfer");
+  HttpResponse response;
+  Transfer transfer{&response, &control};
+  std::array<char, CURL_ERROR_SIZE> error{};
+  CURL* c = easy.get();
+  curl_easy_setopt(c, CURLOPT_URL, request.url.c_str());
+  curl_easy_setopt(c, CURLOPT_SHARE, share_->handle);
+  curl_easy_setopt(c, CURLOPT_COOKIEFILE, "");  // cookie engine on, nothing read from disk
+  curl_easy_setopt(c, CURLOPT_PROTOCOLS_STR, "http,https,file");
+  curl_easy_setopt(c, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
+  curl_easy_setopt(c, CURLOPT_FOLLOWLOCATION, 1L);
+  curl_easy_setopt(c, CURLOPT_MAXREDIRS, 20L);
+  curl_easy_setopt(c, CURLOPT_AUTOREFERER, 1L);
+  curl_easy_setopt(c, CURLOPT_ACCEPT_ENCODING, "");
+  curl_easy_setopt(c, CURLOPT_USERAGENT, user_agent_.c_str());
+  curl_easy_setopt(c, CURLOPT_TIMEOUT_MS, static_cast<long>(timeout_.count()));
+  curl_easy_setopt(c, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(connect_timeout_.count()));
+  curl_easy_setopt(c, CURLOPT_NOSIGNAL, 1L);
+  curl_easy_setopt(c, CURLOPT_ERRORBUFFER, error.data());
+  curl_easy_setopt(c, CURLOPT_WRITEFUNCTION, &OnBody);
+  curl_easy_setopt(c, CURLOPT_WRITEDATA, &transfer);
+  curl_easy_setopt(c, CURLOPT_NOPROGRESS, 0L);
+  curl_easy_setopt(c, CURLOPT_XFERINFOFUNCTION, &OnProgress);
+  curl_easy_setopt(c, CURLOPT_XFERINFODATA, &transfer);
+  curl_easy_setopt(c, CURLOPT_PREREQFUNCTION, &OnPrereq);
+  curl_easy_setopt(c, CURLOPT_PREREQDATA, &transfer);
+  if (!request.referer.empty()) curl_easy_setopt(c, CURLOPT_REFERER, request.referer.c_str());
+  std::unique_ptr<curl_slist, SlistCloser> headers;
+  if (request.method == "POST") {
+    curl_easy_setopt(c, CURLOPT_POST, 1L);
+    curl_easy_setopt(c, CURLOPT_POSTFIELDSIZE, static_cast<long>(request.body.size()));
+    curl_easy_setopt(c, CURLOPT_POSTFIELDS, request.body.c_str());
+    std::string type = "Content-Type: " + request.content_type;
+    headers.reset(curl_slist_append(nullptr, type.c_str()));
+    curl_easy_setopt(c, CURLOPT_HTTPHEADER, headers.get());
+  } else if (request.method != "GET") {
+    throw RuntimeError(err::kInvalidProcedureCall, "Unsupported request method " + request.method);
+  }
+
+  CURLcode rc = curl_easy_perform(c);
+  if (rc != CURLE_OK) {
+    std::string why = error[0] ? error.data() : curl_easy_strerror(rc);
+    if (control.cancel && control.cancel->load()) why = "the transfer was cancelled";
+    throw RuntimeError(static_cast<int>(rc), "Connection Failed: " + why);
+  }
+  curl_easy_getinfo(c, CURLINFO_RESPONSE_CODE, &response.status);
+  char* type = nullptr;
+  if (curl_easy_getinfo(c, CURLINFO_CONTENT_TYPE, &type) == CURLE_OK && type) response.content_type = type;
+  char* url = nullptr;
+  if (curl_easy_getinfo(c, CURLINFO_EFFECTIVE_URL, &url) == CURLE_OK && url) response.url = url;
+  return response;
+}
+
+std::string HttpSession::CookieList() const {
+  std::unique_ptr<CURL, EasyCloser> easy(curl_easy_init());
+  curl_easy_setopt(easy.get(), CURLOPT_SHARE, share_->handle);
+  curl_easy_setopt(easy.get(), CURLOPT_COOKIEFILE, "");
+  curl_slist* list = nullptr;
+  std::string out;
+  if (curl_easy_getinfo(easy.get(), CURLINFO_COOKIELIST, &list) == CURLE_OK) {
+    for (curl_slist* l = list; l; l = l->next) out += std::string(l->data) + "\n";
+    curl_slist_free_all(list);
+  }
+  return out;
+}
+
+void HttpSession::ClearCookies() {
+  std::unique_ptr<CURL, EasyCloser> easy(curl_easy_init());
+  curl_easy_setopt(easy.get(), CURLOPT_SHARE, share_->handle);
+  curl_easy_setopt(easy.get(), CURLOPT_COOKIELIST, "ALL");
+}
+
+std::string ResolveUrl(const std::string& base, const std::string& relative) {
+  CURLU* u = curl_url();
+  std::string out = relative;
+  if (curl_url_set(u, CURLUPART_URL, base.c_str(), 0) == CURLUE_OK &&
+      curl_url_set(u, CURLUPART_URL, relative.c_str(), 0) == CURLUE_OK) {
+    char* full = nullptr;
+    if (curl_url_get(u, CURLUPART_URL, &full, 0) == CURLUE_OK) {
+      out = full;
+      curl_free(full);
+    }
+  }
+  curl_url_cleanup(u);
+  return out;
+}
+
+std::string FormEncode(const std::string& value) {
+  static const char* kHex = "0123456789ABCDEF";
+  std::string out;
+  for (unsigned char ch : value) {
+    if (std::isalnum(ch) || ch == '-' || ch == '_' || ch == '.' || ch == '*') {
+      out.push_back(static_cast<char>(ch));
+    } else if (ch == ' ') {
+      out.push_back('+');
+    } else {
+      out.push_back('%');
+      out.push_back(kHex[ch >> 4]);
+      out.push_back(kHex[ch & 15]);
+    }
+  }
+  return out;
+}
+
+}  // namespace lw
