@@ -1,0 +1,89 @@
+// The program context: every process-wide value of the running program, grouped by the part of the
+// program that owns it, passed by reference to whatever needs it.
+#pragma once
+
+#include <array>
+#include <filesystem>
+#include <memory>
+
+#include "core/primitives/datetime.h"
+#include "core/primitives/regional.h"
+#include "core/primitives/settings.h"
+#include "core/store/store.h"
+#include "screen/main/main_layout.h"
+#include "screen/main/routines.h"
+#include "screen/screen.h"
+
+namespace lw {
+
+class MainForm;
+class SplashForm;
+class WizardForm;
+
+// Where the program finds what ships with it.
+struct ProgramFiles {
+  std::filesystem::path shipped_store;  // the empty store installed for a new user
+  std::filesystem::path convert;        // lotwright-convert
+  std::filesystem::path help;           // the help set's index page
+};
+
+struct Program {
+  Program(Ui& ui, EventQueue& queue, Settings& settings, ProgramFiles files)
+      : screen(ui, queue), settings(settings), files(std::move(files)) {}
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+
+  Screen screen;
+  Settings& settings;
+  ProgramFiles files;
+  Clock clock;
+  Regional regional = Regional::FromEnvironment();
+  Routines routines;
+
+  // Start-up and the store.
+  struct Startup {
+    Text database_path;  // folder of the store, lw.ini and every working file
+    Text database_name;  // "\lw.mdb"
+    double version = 4.01;
+    Text quote = u"'";
+    std::unique_ptr<Database> db;      // open for the whole run
+    std::unique_ptr<Recordset> misc;   // "Select * From Misc"
+    std::unique_ptr<Recordset> setup;  // "Select * From Setup"
+    bool ini_import_failed = false;
+    std::filesystem::path help_file;  // what the help menu opens
+  } startup;
+
+  // The view on show.
+  struct View {
+    Text base = u"Select * From seller ";
+    Text condition;
+    Text tail = u" order by end desc ";
+  } view;
+
+  // Regional values as the import and listing code compare them.
+  struct Locale {
+    Text currency_symbol;
+    Text language_name;
+    Text short_date_format;
+    Text money_decimal_mark;
+    Date site_now;
+  } locale;
+
+  // The main screen's flags.
+  struct ScreenState {
+    bool renaming = false;  // a user id is being renamed: page changes do nothing
+    std::array<bool, kBrowserTargetCount> browser_request{};
+    bool bulk_view = false;  // the Email page was entered for the bulk list
+    Text feedback_url;
+    Text password;  // the current user id's site password, for the My eBay and account pages
+  } main_screen;
+
+  MainForm* main = nullptr;
+  SplashForm* splash = nullptr;
+  WizardForm* wizard = nullptr;
+
+  // "{path}\name" for the database folder.
+  std::filesystem::path DbFile(TextView name) const;
+};
+
+}  // namespace lw
