@@ -499,6 +499,9 @@ struct Recordset::Impl {
     return RecordBookmark{p};
   }
 
+  // Makes the first row at or after `from` that meets the criteria current; sets no_match otherwise.
+  void Find(TextView criteria, int64_t from);
+
   void RequireUpdatable() const {
     if (!tr->updatable()) Fail(err::kReadOnly, "Cannot update. Database or object is read-only.");
   }
@@ -602,8 +605,8 @@ void Recordset::SetAbsolutePosition(int64_t position) {
   impl_->pos = position;
 }
 
-void Recordset::FindFirst(TextView criteria) {
-  Impl& m = *impl_;
+void Recordset::Impl::Find(TextView criteria, int64_t from) {
+  Impl& m = *this;
   if (!m.keyed()) Fail(kNotSupported, "Operation is not supported for this type of object.");
   auto crit = m.st->Criteria(m.statement, criteria, *m.tr);
   std::string sql = "SELECT " + m.tr->rowid_sql + " FROM " + m.tr->from_sql + " WHERE ";
@@ -626,7 +629,7 @@ void Recordset::FindFirst(TextView criteria) {
   }
   m.no_match = true;
   std::vector<int64_t> key(m.stride);
-  for (int64_t p = 0; p < m.count && !found.empty(); ++p) {
+  for (int64_t p = std::max<int64_t>(from, 0); p < m.count && !found.empty(); ++p) {
     std::copy_n(m.keys.begin() + p * static_cast<int64_t>(m.stride), m.stride, key.begin());
     if (found.count(key)) {
       m.Moved();
@@ -635,6 +638,17 @@ void Recordset::FindFirst(TextView criteria) {
       return;
     }
   }
+}
+
+void Recordset::FindFirst(TextView criteria) {
+  impl_->Find(criteria, 0);
+}
+
+void Recordset::FindNext(TextView criteria) {
+  // From the row after the current one; from the start when there is none yet.
+  int64_t from = (impl_->Bof() || impl_->Eof()) ? (impl_->Bof() ? 0 : impl_->count) : impl_->pos + 1;
+  if (impl_->on_deleted) from = impl_->pos;
+  impl_->Find(criteria, from);
 }
 
 bool Recordset::NoMatch() const {

@@ -115,6 +115,11 @@ TEST_F(StoreTest, LookupsFindTheFirstOfTwoRowsWithOneItem) {
   all->FindFirst(u"Item = '1001'");
   EXPECT_FALSE(all->NoMatch());
   EXPECT_EQ(Str(*all, "Id"), u"buyer1");
+  all->FindNext(u"Item = '1001'");
+  EXPECT_EQ(Str(*all, "Id"), u"buyer2");
+  all->FindNext(u"Item = '1001'");
+  EXPECT_TRUE(all->NoMatch());
+  EXPECT_EQ(Str(*all, "Id"), u"buyer2");
   // No blank between the closing quote and "and".
   all->FindFirst(u"Item = '1001'and email = 'other@example.com'");
   EXPECT_FALSE(all->NoMatch());
