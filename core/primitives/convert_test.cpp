@@ -224,6 +224,23 @@ TEST_F(Convert, NamedDateFormats) {
   EXPECT_EQ(Format(u"not a date", u"long date", gb), u"not a date");
 }
 
+TEST_F(Convert, LocalesWithTheSymbolAfterTheAmount) {
+  Regional de = Regional::FromLocale("de_DE");
+  EXPECT_EQ(Format(1234.5, u"currency", de), u"1.234,50 \u20AC");
+  EXPECT_EQ(Format(-1234.5, u"currency", de), u"-1.234,50 \u20AC");
+  EXPECT_EQ(CDbl(u"-1.234,50 \u20AC", de), -1234.5);
+  EXPECT_EQ(CDate(u"Sonntag, 22. November 2026", de), MakeDate(2026, 11, 22));
+  EXPECT_EQ(CDate(u"22. M\u00E4rz 2026", de), MakeDate(2026, 3, 22));
+  // A no-break space groups thousands; an ordinary blank typed in its place reads the same.
+  Regional fr = Regional::FromLocale("fr_FR");
+  EXPECT_EQ(Format(1234.5, u"standard", fr), u"1\u00A0234,50");
+  EXPECT_EQ(CCur(u"1 234,50 \u20AC", fr), Currency::FromScaled(12345000));
+  // Year-first short dates from ICU read back and print as they are.
+  Regional sv = Regional::FromLocale("sv_SE");
+  EXPECT_EQ(Format(MakeDate(2026, 11, 2), u"short date", sv), u"2026-11-02");
+  EXPECT_EQ(CDate(u"26-11-02", sv), MakeDate(2026, 11, 2));
+}
+
 TEST_F(Convert, NamedNumberFormats) {
   EXPECT_EQ(Format(1234.5, u"general number", us), u"1234.5");
   EXPECT_EQ(Format(1234.5, u"General Number", nl), u"1234,5");
