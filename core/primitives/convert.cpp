@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "core/primitives/datetime.h"
 #include "core/primitives/encoding.h"
 
 namespace lw {
@@ -506,7 +507,9 @@ bool ValidDate(int y, int m, int d) {
   return y >= 100 && y <= 9999 && m >= 1 && m <= 12 && d >= 1 && d <= DaysInMonth(y, m);
 }
 
-std::optional<DateParts> ParseDateText(TextView in, const Regional& r) {
+// `year`: the year of a date written without one; unset means this year by the computer's clock.
+std::optional<DateParts> ParseDateText(TextView in, const Regional& r,
+                                       std::optional<int> year = std::nullopt) {
   TextView s = TrimBlanks(in);
   if (s.empty()) return std::nullopt;
   std::vector<DateToken> toks;
@@ -635,7 +638,7 @@ std::optional<DateParts> ParseDateText(TextView in, const Regional& r) {
         p.year = WidenYear(n);
         p.day = 1;
       } else {
-        p.year = CurrentYear();
+        p.year = year ? *year : CurrentYear();
         p.day = n.value;
       }
     } else {
@@ -702,13 +705,13 @@ std::optional<DateParts> ParseDateText(TextView in, const Regional& r) {
     if (!ValidDate(p.year, p.month, p.day)) return std::nullopt;
     return p;
   }
-  int year = CurrentYear();
+  int this_year = year ? *year : CurrentYear();
   bool day_first = locale == Order::DMY;
   int tries[2][2] = {{day_first ? a.value : b.value, day_first ? b.value : a.value},
                      {day_first ? b.value : a.value, day_first ? a.value : b.value}};
   for (auto& t : tries) {
-    if (ValidDate(year, t[1], t[0])) {
-      p.year = year, p.month = t[1], p.day = t[0];
+    if (ValidDate(this_year, t[1], t[0])) {
+      p.year = this_year, p.month = t[1], p.day = t[0];
       return p;
     }
   }
@@ -720,8 +723,8 @@ std::optional<DateParts> ParseDateText(TextView in, const Regional& r) {
   return std::nullopt;
 }
 
-std::optional<Date> DateFromText(TextView s, const Regional& r) {
-  auto p = ParseDateText(s, r);
+std::optional<Date> DateFromText(TextView s, const Regional& r, std::optional<int> year = std::nullopt) {
+  auto p = ParseDateText(s, r, year);
   if (!p) return std::nullopt;
   if (!p->has_date) return Date((p->hour * 3600.0 + p->minute * 60.0 + p->second) / 86400.0);
   return MakeDate(p->year, p->month, p->day, p->hour, p->minute, p->second);
@@ -1608,6 +1611,15 @@ Date CDate(const Variant& v, const Regional& r) {
     }
   }
   Mismatch();
+}
+
+Date CDate(const Variant& v, const Regional& r, const Clock& clock) {
+  if (const Text* t = v.text()) {
+    auto d = DateFromText(*t, r, SplitDate(clock.Today()).year);
+    if (!d) Mismatch();
+    return *d;
+  }
+  return CDate(v, r);
 }
 
 Text CStr(const Variant& v, const Regional& r) {

@@ -100,6 +100,17 @@ TEST_F(Convert, DatesInTheLocaleOrder) {
   EXPECT_EQ(CDate(u"11/2026", us), MakeDate(2026, 11, 1));
 }
 
+TEST_F(Convert, DatesWithoutYearTakeTheProgramClockYear) {
+  Clock clock;
+  clock.Fix(MakeDate(2028, 6, 15, 9, 30));
+  EXPECT_EQ(CDate(u"22 nov", us, clock), MakeDate(2028, 11, 22));
+  EXPECT_EQ(CDate(u"29/2", gb, clock), MakeDate(2028, 2, 29));
+  EXPECT_EQ(CDate(u"1/2/2005", gb, clock), MakeDate(2005, 2, 1));
+  clock.Fix(MakeDate(2027, 6, 15));
+  EXPECT_EQ(ErrorOf([&] { CDate(u"29/2", gb, clock); }), err::kTypeMismatch);
+  EXPECT_EQ(CDate(46348.5, us, clock).serial, 46348.5);
+}
+
 TEST_F(Convert, TwoDigitYearsPivotAtThirty) {
   EXPECT_EQ(CDate(u"1/1/30", us), MakeDate(1930, 1, 1));
   EXPECT_EQ(CDate(u"1/1/99", us), MakeDate(1999, 1, 1));
