@@ -12,6 +12,10 @@
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
+#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
+#include <immintrin.h>
+#define LW_HAVE_AVX2_PATH 1
+#endif
 
 namespace lw {
 
@@ -83,9 +87,66 @@ size_t FindLong(const char16_t* s, size_t n, size_t from, const char16_t* needle
   return kNpos;
 }
 
+#if defined(LW_HAVE_AVX2_PATH)
+// The same two searches sixteen characters at a time, for machines that have the wider registers;
+// chosen at run time so that the program still runs on those that do not.
+__attribute__((target("avx2"))) size_t FindUnitAvx2(const char16_t* s, size_t n, size_t from, char16_t c) {
+  size_t i = from;
+  const __m256i want = _mm256_set1_epi16(static_cast<short>(c));
+  for (; i + 32 <= n; i += 32) {
+    __m256i a = _mm256_cmpeq_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(s + i)), want);
+    __m256i b = _mm256_cmpeq_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(s + i + 16)), want);
+    uint64_t mask = static_cast<uint32_t>(_mm256_movemask_epi8(a)) |
+                    (static_cast<uint64_t>(static_cast<uint32_t>(_mm256_movemask_epi8(b))) << 32);
+    if (mask != 0) return i + static_cast<size_t>(__builtin_ctzll(mask)) / 2;
+  }
+  return FindUnit(s, n, i, c);
+}
+
+// Bits, two to a position, where both the first and the last character of the needle agree.
+__attribute__((target("avx2"))) inline uint32_t EndsAgree(const char16_t* s, size_t at, size_t m,
+                                                          __m256i first, __m256i last) {
+  __m256i a = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s + at));
+  __m256i b = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s + at + m - 1));
+  return static_cast<uint32_t>(
+      _mm256_movemask_epi8(_mm256_and_si256(_mm256_cmpeq_epi16(a, first), _mm256_cmpeq_epi16(b, last))));
+}
+
+__attribute__((target("avx2"))) size_t FindLongAvx2(const char16_t* s, size_t n, size_t from,
+                                                    const char16_t* needle, size_t m) {
+  if (n < m || from > n - m) return kNpos;
+  const size_t last_start = n - m;
+  size_t i = from;
+  const __m256i first = _mm256_set1_epi16(static_cast<short>(needle[0]));
+  const __m256i last = _mm256_set1_epi16(static_cast<short>(needle[m - 1]));
+  for (; i + 31 <= last_start; i += 32) {
+    uint64_t mask =
+        EndsAgree(s, i, m, first, last) | (static_cast<uint64_t>(EndsAgree(s, i + 16, m, first, last)) << 32);
+    while (mask != 0) {
+      size_t at = i + static_cast<size_t>(__builtin_ctzll(mask)) / 2;
+      if (SameUnits(s + at + 1, needle + 1, m - 2)) return at;
+      mask &= mask - 1;
+      mask &= mask - 1;
+    }
+  }
+  return FindLong(s, n, i, needle, m);
+}
+
+bool HaveAvx2() {
+  return __builtin_cpu_supports("avx2");
+}
+#endif
+
 size_t Find(TextView text, TextView find, size_t from) {
   if (find.empty()) return from <= text.size() ? from : kNpos;
   if (from >= text.size()) return kNpos;
+#if defined(LW_HAVE_AVX2_PATH)
+  // Short texts are done before the wide registers would pay off.
+  if (text.size() - from >= 64 && HaveAvx2()) {
+    if (find.size() == 1) return FindUnitAvx2(text.data(), text.size(), from, find[0]);
+    return FindLongAvx2(text.data(), text.size(), from, find.data(), find.size());
+  }
+#endif
   if (find.size() == 1) return FindUnit(text.data(), text.size(), from, find[0]);
   return FindLong(text.data(), text.size(), from, find.data(), find.size());
 }
@@ -212,7 +273,45 @@ size_t FindSegment(TextView p, const Segment& seg, TextView text, size_t from, s
 
 }  // namespace
 
+namespace {
+// Patterns made of plain characters and stars only, by far the most common kind ("*No Bids*",
+// "$*"): the segments are the pieces between the stars and are compared as they stand.
+bool LikePlain(TextView text, TextView pattern) {
+  size_t first_star = pattern.find(u'*');
+  if (first_star == kNpos) return text == pattern;
+  size_t last_star = pattern.rfind(u'*');
+  TextView head = pattern.substr(0, first_star);
+  TextView tail = pattern.substr(last_star + 1);
+  if (text.size() < head.size() + tail.size()) return false;
+  if (!SameUnits(text.data(), head.data(), head.size())) return false;
+  size_t tail_at = text.size() - tail.size();
+  if (!SameUnits(text.data() + tail_at, tail.data(), tail.size())) return false;
+  TextView within = text.substr(0, tail_at);
+  size_t pos = head.size();
+  size_t i = first_star + 1;
+  while (i < last_star) {
+    size_t next = pattern.find(u'*', i);
+    if (next > i) {
+      TextView piece = pattern.substr(i, next - i);
+      size_t at = Find(within, piece, pos);
+      if (at == kNpos) return false;
+      pos = at + piece.size();
+    }
+    i = next + 1;
+  }
+  return true;
+}
+}  // namespace
+
 bool Like(TextView text, TextView pattern) {
+  bool plain = true;
+  for (char16_t c : pattern) {
+    if (c == u'[' || c == u'?' || c == u'#') {
+      plain = false;
+      break;
+    }
+  }
+  if (plain) return LikePlain(text, pattern);
   ValidatePattern(pattern);
   // Every element takes a fixed number of characters, so a pattern is a chain of fixed-width
   // segments joined by stars: the first is anchored at the start, the last at the end, and each one
@@ -444,11 +543,24 @@ double Val(TextView text) {
     }
   }
   if (nd == 0) return 0.0;
+  long long total = scale + exponent;
+  // Up to fifteen digits and a power of ten that a double holds exactly give a correctly rounded
+  // result with one multiplication or division, which covers prices and counts.
+  if (nd <= 15 && !sticky && total >= -22 && total <= 22) {
+    static constexpr double kPow10[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                        1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                        1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    uint64_t mantissa = 0;
+    for (size_t k = 0; k < nd; ++k) mantissa = mantissa * 10 + static_cast<uint64_t>(digits[k] - '0');
+    double value = static_cast<double>(mantissa);
+    value = total >= 0 ? value * kPow10[total] : value / kPow10[-total];
+    return negative ? -value : value;
+  }
   if (sticky) {
     digits[nd++] = '1';
     --scale;
+    --total;
   }
-  long long total = scale + exponent;
   // Far outside the range of a double the answer is known without parsing.
   if (total + static_cast<long long>(nd) > 400) {
     return negative ? -std::numeric_limits<double>::infinity() : std::numeric_limits<double>::infinity();
@@ -463,7 +575,7 @@ double Val(TextView text) {
   if (res.ec == std::errc::result_out_of_range) {
     // from_chars leaves the value alone on overflow and underflow alike; tell them apart by the
     // magnitude the digits stand for.
-    value = (total > 0) ? std::numeric_limits<double>::infinity() : 0.0;
+    value = (total + static_cast<long long>(nd) > 0) ? std::numeric_limits<double>::infinity() : 0.0;
   }
   if (value == 0.0) return 0.0;
   return negative ? -value : value;

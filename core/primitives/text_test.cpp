@@ -174,6 +174,8 @@ TEST(Val, NumberAtTheStart) {
   EXPECT_EQ(Val(u"0.1"), 0.1);  // correctly rounded, as a literal would be
   EXPECT_EQ(Val(u"1.7976931348623157e308"), std::numeric_limits<double>::max());
   EXPECT_TRUE(std::isinf(Val(u"1e999")));
+  // Too large through its digits alone, with no exponent to say so.
+  EXPECT_EQ(Val(u"-1" + Text(352, u'0')), -std::numeric_limits<double>::infinity());
   EXPECT_EQ(Val(u"1e-999"), 0);
   EXPECT_FALSE(std::signbit(Val(u"-0")));
   // Hundreds of digits still round correctly.
