@@ -24,7 +24,9 @@ void Exercise(const lw::Text& text, const lw::Regional& r) {
     // Its own general-date text must read back as the same moment.
     lw::Date back = lw::CDate(lw::CStr(d, r), r);
     Check(std::fabs(back.serial - d.serial) < 1.0 / 86400);
-    lw::Format(d, u"long date", r);
+    // And its long date as the same day.
+    lw::Date day = lw::CDate(lw::Format(d, u"long date", r), r);
+    Check(day.serial == std::trunc(d.serial));
     lw::Format(d, u"medium date", r);
   } catch (const lw::RuntimeError& e) {
     Check(!is_date || e.number() == lw::err::kOverflow);

@@ -491,6 +491,23 @@ int FindName(const Text& word, const Text* names, int count) {
   return -1;
 }
 
+// Whether a folded word is one of the quoted words of a locale date pattern ("d' de 'MMMM").
+bool IsPatternWord(const Text& word, TextView pattern) {
+  bool quoted = false;
+  Text run;
+  for (size_t i = 0; i <= pattern.size(); ++i) {
+    char16_t c = i < pattern.size() ? pattern[i] : u'\'';
+    if (quoted && c != u'\'' && u_isalpha(c)) {
+      run += c;
+      continue;
+    }
+    if (!run.empty() && Fold(run) == word) return true;
+    run.clear();
+    if (c == u'\'') quoted = !quoted;
+  }
+  return false;
+}
+
 struct DateParts {
   bool has_date = false;
   int year = 0, month = 0, day = 0;
@@ -618,6 +635,7 @@ std::optional<DateParts> ParseDateText(TextView in, const Regional& r,
           pending_sep = false;
           break;
         }
+        if (IsPatternWord(t.text, r.long_date_format)) break;  // "22 de noviembre de 2026"
         return std::nullopt;
       }
     }

@@ -242,6 +242,11 @@ TEST_F(Convert, LocalesWithTheSymbolAfterTheAmount) {
   EXPECT_EQ(CDbl(u"-1.234,50 \u20AC", de), -1234.5);
   EXPECT_EQ(CDate(u"Sonntag, 22. November 2026", de), MakeDate(2026, 11, 22));
   EXPECT_EQ(CDate(u"22. M\u00E4rz 2026", de), MakeDate(2026, 3, 22));
+  // The words a long date carries besides the names read back too.
+  Regional es = Regional::FromLocale("es_ES");
+  EXPECT_EQ(Format(MakeDate(2026, 11, 22), u"long date", es), u"domingo, 22 de noviembre de 2026");
+  EXPECT_EQ(CDate(u"domingo, 22 de noviembre de 2026", es), MakeDate(2026, 11, 22));
+  EXPECT_EQ(ErrorOf([&] { CDate(u"22 del noviembre 2026", es); }), err::kTypeMismatch);
   // A no-break space groups thousands; an ordinary blank typed in its place reads the same.
   Regional fr = Regional::FromLocale("fr_FR");
   EXPECT_EQ(Format(1234.5, u"standard", fr), u"1\u00A0234,50");
