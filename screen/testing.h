@@ -1,0 +1,66 @@
+// Test support for the screen model (included by tests only): a Ui that records what the program asks
+// of the user and answers from queues, and a screen with a bare form to put controls on.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "screen/screen.h"
+
+namespace lw::testing {
+
+class RecordingUi : public Ui {
+ public:
+  struct Box {
+    Text title, text;
+    MsgButtons buttons;
+    MsgIcon icon;
+  };
+  std::vector<Box> boxes;
+  std::deque<MsgAnswer> answers;
+  // Plays the user while a form is shown modally; ShowModal returns when it does.
+  std::function<void(Form&)> modal;
+  std::vector<Text> started;
+  Text clipboard;
+  int wait = 0;
+
+  MsgAnswer MsgBox(const Text& title, const Text& text, MsgButtons buttons, MsgIcon icon) override {
+    boxes.push_back({title, text, buttons, icon});
+    if (answers.empty()) return ButtonsOf(buttons).front();
+    MsgAnswer a = answers.front();
+    answers.pop_front();
+    return a;
+  }
+  std::optional<FileDialogAnswer> ShowOpen(const FileDialogRequest&) override { return std::nullopt; }
+  std::optional<FileDialogAnswer> ShowSave(const FileDialogRequest&) override { return std::nullopt; }
+  std::optional<Colour> ChooseColour(Colour) override { return std::nullopt; }
+  void SetWaitCursor(bool on) override { wait += on ? 1 : -1; }
+  void ShowModal(Form& form) override {
+    if (modal) modal(form);
+  }
+  void PopupMenu(Form&, Menu&) override {}
+  void SetClipboardText(const Text& text) override { clipboard = text; }
+  void ClearClipboard() override { clipboard.clear(); }
+  Text ClipboardText() override { return clipboard; }
+  void OpenHelp(const std::filesystem::path&, int) override {}
+  void OpenAddress(const Text&) override {}
+  void StartProgram(const std::filesystem::path& program, const std::vector<Text>&) override {
+    started.push_back(Text(program.u16string()));
+  }
+  [[noreturn]] void EndProcess(int code) override { throw ProcessEnd{code}; }
+};
+
+// A screen with one plain form named "main".
+struct TestScreen {
+  RecordingUi ui;
+  EventQueue queue;
+  Screen screen{ui, queue};
+  Form& form = Add(u"main");
+
+  Form& Add(const Text& name) { return screen.Adopt(std::make_unique<Form>(screen, name)); }
+  TestScreen() { screen.main_form = &form; }
+};
+
+}  // namespace lw::testing
