@@ -222,6 +222,18 @@ TEST_F(StoreTest, BadStatementsFailWithANumberAndChangeNothing) {
   EXPECT_EQ(Count("Select * From seller where title = 'x'"), before);
   EXPECT_EQ(Count("Select * From seller where username = 'seller1'"), 8);
   EXPECT_EQ(ErrorOf([&] { Open("Delete From seller"); }), 3219);
+  // Statements too deep to emit are refused, not a crash.
+  std::string chain = "Select * From seller where price > 0";
+  for (int i = 0; i < 20000; ++i) chain += " + price";
+  EXPECT_EQ(ErrorOf([&] { Open(chain); }), 3075);
+  EXPECT_EQ(ErrorOf([&] { Open("Select * From seller where " + std::string(5000, '(') + "1"); }), 3075);
+  EXPECT_EQ(ErrorOf([&] { Open("Select * From seller where price > " + std::string(60, '-') + "1"); }), 3075);
+  std::string many = "Select * From seller where item <> 'x'";
+  for (int i = 0; i < 300; ++i) many += " and item <> '" + std::to_string(i) + "'";
+  EXPECT_EQ(Count(many), 11);  // a long flat list of conditions is fine
+  std::string nested = "price";
+  for (int i = 0; i < 22; ++i) nested = "(" + nested + " between price and 5)";
+  EXPECT_EQ(ErrorOf([&] { Open("Select * From seller where " + nested); }), 3075);
 }
 
 TEST_F(StoreTest, DialectTyping) {

@@ -14,7 +14,10 @@
 namespace lw::store {
 namespace {
 
-constexpr int kMaxDepth = 200;
+constexpr int kMaxDepth = 200;  // nesting of the parser's own calls
+constexpr size_t kMaxSqlBytes = 1 << 20;
+constexpr size_t kMaxParams = 30000;
+constexpr int kMaxTreeDepth = 24;  // height of an expression tree: SQLite nests at most ~100 parentheses
 constexpr int kUnknownTable = 3078;
 constexpr int kAmbiguousField = 3079;
 constexpr int kUndefinedFunction = 3085;
@@ -200,6 +203,7 @@ struct Node {
   bool flag = false;  // bool literal value; negated IS/LIKE/BETWEEN/IN
   std::vector<NodePtr> kids;
   size_t pos = 0;
+  int depth = 1;  // height of the tree below, bounded so that emitting it cannot exhaust the stack
 };
 
 NodePtr MakeNode(Node::Type type, size_t pos) {
@@ -441,26 +445,34 @@ class Parser {
     n->text = std::move(op);
     n->kids.push_back(std::move(a));
     n->kids.push_back(std::move(b));
+    return Grown(std::move(n));
+  }
+
+  // Long chains such as "a + a + a ..." are built without recursion but emitted with it.
+  NodePtr Grown(NodePtr n) {
+    for (auto& k : n->kids) n->depth = std::max(n->depth, k->depth + 1);
+    if (n->depth > kMaxTreeDepth) Error("the expression is too complex");
     return n;
   }
 
   NodePtr ParseExpr() {
     DepthGuard guard(this);
     NodePtr e = ParseAnd();
-    while (IsKeyword(Peek(), "or")) {
-      size_t pos = Next().pos;
-      e = Binary(Node::Or, u"or", std::move(e), ParseAnd(), pos);
-    }
-    return e;
+    if (!IsKeyword(Peek(), "or")) return e;
+    // Chains of OR (and of AND) are one node with many operands, so a long list of conditions stays flat.
+    auto n = MakeNode(Node::Or, Peek().pos);
+    n->kids.push_back(std::move(e));
+    while (AcceptKeyword("or")) n->kids.push_back(ParseAnd());
+    return Grown(std::move(n));
   }
 
   NodePtr ParseAnd() {
     NodePtr e = ParseNot();
-    while (IsKeyword(Peek(), "and")) {
-      size_t pos = Next().pos;
-      e = Binary(Node::And, u"and", std::move(e), ParseNot(), pos);
-    }
-    return e;
+    if (!IsKeyword(Peek(), "and")) return e;
+    auto n = MakeNode(Node::And, Peek().pos);
+    n->kids.push_back(std::move(e));
+    while (AcceptKeyword("and")) n->kids.push_back(ParseNot());
+    return Grown(std::move(n));
   }
 
   NodePtr ParseNot() {
@@ -468,7 +480,7 @@ class Parser {
     if (IsKeyword(Peek(), "not")) {
       auto n = MakeNode(Node::Not, Next().pos);
       n->kids.push_back(ParseNot());
-      return n;
+      return Grown(std::move(n));
     }
     return ParseCompare();
   }
@@ -503,7 +515,7 @@ class Parser {
         n->kids.push_back(std::move(e));
         n->kids.push_back(std::move(lo));
         n->kids.push_back(std::move(hi));
-        e = std::move(n);
+        e = Grown(std::move(n));
       } else if (AcceptKeyword("in")) {
         auto n = MakeNode(Node::In, pos);
         n->flag = negated;
@@ -513,14 +525,14 @@ class Parser {
           n->kids.push_back(ParseConcat());
         } while (AcceptOp(u","));
         ExpectOp(u")");
-        e = std::move(n);
+        e = Grown(std::move(n));
       } else if (IsKeyword(t, "is")) {
         Next();
         auto n = MakeNode(Node::IsNull, pos);
         n->flag = AcceptKeyword("not");
         ExpectKeyword("null");
         n->kids.push_back(std::move(e));
-        e = std::move(n);
+        e = Grown(std::move(n));
       } else {
         return e;
       }
@@ -565,7 +577,7 @@ class Parser {
       if (!minus) return operand;
       auto n = MakeNode(Node::Neg, pos);
       n->kids.push_back(std::move(operand));
-      return n;
+      return Grown(std::move(n));
     }
     return ParsePrimary();
   }
@@ -633,7 +645,7 @@ class Parser {
         } while (AcceptOp(u","));
         ExpectOp(u")");
       }
-      return n;
+      return Grown(std::move(n));
     }
     auto n = MakeNode(Node::Column, pos);
     if (AcceptOp(u".")) {
@@ -1011,7 +1023,15 @@ class Emitter {
     return out;
   }
 
+  // BETWEEN and IN repeat their first operand, so nesting them could grow the SQL without bound.
   Typed Emit(const Node& n) {
+    Typed t = EmitNode(n);
+    if (t.sql.size() > kMaxSqlBytes || t.params.size() > kMaxParams)
+      Fail(err::kSyntaxError, "Syntax error in query expression: the expression is too complex");
+    return t;
+  }
+
+  Typed EmitNode(const Node& n) {
     switch (n.type) {
       case Node::NumLit:
       case Node::StrLit:
@@ -1063,15 +1083,14 @@ class Emitter {
       }
       case Node::And:
       case Node::Or: {
-        Typed a = AsCond(Emit(*n.kids[0]));
-        Typed b = AsCond(Emit(*n.kids[1]));
         Typed out;
         out.kind = Kind::Bool;
         out.cond = true;
         out.sql = "(";
-        Append(&out, a);
-        out.sql += n.type == Node::And ? " AND " : " OR ";
-        Append(&out, b);
+        for (size_t i = 0; i < n.kids.size(); ++i) {
+          if (i) out.sql += n.type == Node::And ? " AND " : " OR ";
+          Append(&out, AsCond(Emit(*n.kids[i])));
+        }
         out.sql += ")";
         return out;
       }
