@@ -1,6 +1,7 @@
 // Splits the input at the first NUL into a text and a pattern and matches them. A bad pattern may
 // raise 93; any other error, a crash or a slow match is a fault. Where the input is small enough, the
-// answer is checked against a plain dynamic-programming matcher that shares no code with Like.
+// answer is checked against a plain dynamic-programming matcher that shares no code with Like, and
+// the text search against the standard library's.
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -120,6 +121,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (cut == std::string_view::npos) cut = size / 2;
   lw::Text text = lw::FromUtf8(in.substr(0, cut));
   lw::Text pattern = lw::FromUtf8(in.substr(cut < size ? cut + 1 : size));
+  // The same halves exercise the text search that Like's plain segments rely on.
+  for (size_t start = 1; start <= text.size() + 1; start += 1 + text.size() / 8) {
+    size_t want = lw::TextView(text).find(pattern, start - 1);
+    Check(lw::InStr(start, text, pattern) == (want == lw::Text::npos ? 0 : want + 1));
+  }
+  if (!pattern.empty()) {
+    size_t want_rev = lw::TextView(text).rfind(pattern);
+    Check(lw::InStrRev(text, pattern) == (want_rev == lw::Text::npos ? 0 : want_rev + 1));
+  }
   std::vector<Token> toks;
   bool valid = Tokenize(pattern, toks);
   try {

@@ -65,17 +65,28 @@ size_t FindLong(const char16_t* s, size_t n, size_t from, const char16_t* needle
 #if defined(__SSE2__)
   const __m128i first = _mm_set1_epi16(static_cast<short>(needle[0]));
   const __m128i last = _mm_set1_epi16(static_cast<short>(needle[m - 1]));
-  for (; i + 7 <= last_start; i += 8) {
-    __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i));
-    __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i + m - 1));
+  // `skip` leading places of the block are left out.
+  auto block = [&](size_t base, unsigned skip) {
+    __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + base));
+    __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + base + m - 1));
     unsigned mask = static_cast<unsigned>(
         _mm_movemask_epi8(_mm_and_si128(_mm_cmpeq_epi16(a, first), _mm_cmpeq_epi16(b, last))));
+    mask &= ~0u << (2 * skip);
     while (mask != 0) {
-      size_t at = i + static_cast<size_t>(__builtin_ctz(mask)) / 2;
+      size_t at = base + static_cast<size_t>(__builtin_ctz(mask)) / 2;
       if (SameUnits(s + at + 1, needle + 1, m - 2)) return at;
       mask &= mask - 1;  // each lane sets two bits
       mask &= mask - 1;
     }
+    return kNpos;
+  };
+  for (; i + 7 <= last_start; i += 8) {
+    size_t at = block(i, 0);
+    if (at != kNpos) return at;
+  }
+  // The last few places go in one block that ends at the last start, leaving out those before i.
+  if (i <= last_start && last_start >= 7) {
+    return block(last_start - 7, static_cast<unsigned>(i - (last_start - 7)));
   }
 #endif
   while (i <= last_start) {
@@ -90,6 +101,12 @@ size_t FindLong(const char16_t* s, size_t n, size_t from, const char16_t* needle
 #if defined(LW_HAVE_AVX2_PATH)
 // The same two searches sixteen characters at a time, for machines that have the wider registers;
 // chosen at run time so that the program still runs on those that do not.
+// Bits, two to a position, where the sixteen characters from s[at] equal the one in `want`.
+__attribute__((target("avx2"))) inline uint32_t UnitsAgree(const char16_t* s, size_t at, __m256i want) {
+  __m256i a = _mm256_cmpeq_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(s + at)), want);
+  return static_cast<uint32_t>(_mm256_movemask_epi8(a));
+}
+
 __attribute__((target("avx2"))) size_t FindUnitAvx2(const char16_t* s, size_t n, size_t from, char16_t c) {
   size_t i = from;
   const __m256i want = _mm256_set1_epi16(static_cast<short>(c));
@@ -99,6 +116,16 @@ __attribute__((target("avx2"))) size_t FindUnitAvx2(const char16_t* s, size_t n,
     uint64_t mask = static_cast<uint32_t>(_mm256_movemask_epi8(a)) |
                     (static_cast<uint64_t>(static_cast<uint32_t>(_mm256_movemask_epi8(b))) << 32);
     if (mask != 0) return i + static_cast<size_t>(__builtin_ctzll(mask)) / 2;
+  }
+  if (i + 16 <= n) {
+    uint32_t mask = UnitsAgree(s, i, want);
+    if (mask != 0) return i + static_cast<size_t>(__builtin_ctz(mask)) / 2;
+    i += 16;
+  }
+  if (i < n && n >= 16) {
+    // One block that ends at the end of the text; the places before i in it were looked at already.
+    uint32_t mask = UnitsAgree(s, n - 16, want) & (~0u << (2 * (i - (n - 16))));
+    return mask != 0 ? n - 16 + static_cast<size_t>(__builtin_ctz(mask)) / 2 : kNpos;
   }
   return FindUnit(s, n, i, c);
 }
@@ -119,15 +146,32 @@ __attribute__((target("avx2"))) size_t FindLongAvx2(const char16_t* s, size_t n,
   size_t i = from;
   const __m256i first = _mm256_set1_epi16(static_cast<short>(needle[0]));
   const __m256i last = _mm256_set1_epi16(static_cast<short>(needle[m - 1]));
+  auto verify = [&](uint64_t mask, size_t base) {
+    while (mask != 0) {
+      size_t at = base + static_cast<size_t>(__builtin_ctzll(mask)) / 2;
+      if (SameUnits(s + at + 1, needle + 1, m - 2)) return at;
+      mask &= mask - 1;  // each lane sets two bits
+      mask &= mask - 1;
+    }
+    return kNpos;
+  };
   for (; i + 31 <= last_start; i += 32) {
     uint64_t mask =
         EndsAgree(s, i, m, first, last) | (static_cast<uint64_t>(EndsAgree(s, i + 16, m, first, last)) << 32);
-    while (mask != 0) {
-      size_t at = i + static_cast<size_t>(__builtin_ctzll(mask)) / 2;
-      if (SameUnits(s + at + 1, needle + 1, m - 2)) return at;
-      mask &= mask - 1;
-      mask &= mask - 1;
+    if (mask != 0) {
+      size_t at = verify(mask, i);
+      if (at != kNpos) return at;
     }
+  }
+  if (i + 15 <= last_start) {
+    size_t at = verify(EndsAgree(s, i, m, first, last), i);
+    if (at != kNpos) return at;
+    i += 16;
+  }
+  // As in FindLong, one block that ends at the last start finishes the search.
+  if (i <= last_start && last_start >= 15) {
+    const size_t base = last_start - 15;
+    return verify(EndsAgree(s, base, m, first, last) & (~0u << (2 * (i - base))), base);
   }
   return FindLong(s, n, i, needle, m);
 }

@@ -98,6 +98,21 @@ TEST(InStr, PositionsAndStart) {
     EXPECT_EQ(InStr(hay, u"ab\u20ACd"), at + 1) << at;
     EXPECT_EQ(InStr(hay, u"\u20AC"), at + 3) << at;
   }
+  // Every length and place around the block edges of the vector scans, against a plain search.
+  for (size_t n = 0; n < 100; ++n) {
+    for (size_t m : {1u, 2u, 3u, 9u, 17u}) {
+      for (size_t at = 0; at + m <= n; at += 3) {
+        Text hay(n, u'a');
+        Text find(m, u'b');
+        find.front() = u'a';  // first character everywhere, last character only in the match
+        hay.replace(at, m, find);
+        for (size_t start : {size_t{1}, at + 1, at + 2}) {
+          size_t want = hay.find(find, start - 1);
+          EXPECT_EQ(InStr(start, hay, find), want == Text::npos ? 0 : want + 1) << n << " " << m << " " << at;
+        }
+      }
+    }
+  }
   // Near misses where the first and last characters agree.
   EXPECT_EQ(InStr(u"axxbaxybaxyb", u"axyb"), 5u);
   EXPECT_EQ(InStrRev(u"abcabc", u"bc"), 5u);
