@@ -4,11 +4,12 @@
 // translates each statement whole into SQLite SQL with bound parameters and caches the translation.
 //
 // Storage forms: yes/no INTEGER -1/0 (never Null), money INTEGER scaled by 10 000, dates REAL days since
-// 1899-12-30, text compared without regard to case. Fields come back typed by their column: yes/no as
-// Bool, money as Currency, date as Date, number as Number, text and memo as Text, Null as Null.
+// 1899-12-30, text compared without regard to case (=, <, ORDER BY fold the letters A-Z; LIKE folds
+// every letter). Fields come back typed by their column: yes/no as Bool, money as Currency, date as
+// Date, number as Number, text and memo as Text, Null as Null.
 //
 // Errors are RuntimeError with these numbers:
-//   3024  the store file is missing (OpenDatabase); 3343 the file is not a store
+//   3024  the store file is missing (OpenDatabase); 3343 the file is not a store or is damaged
 //   3075  malformed statement: garbage, an unterminated literal, an apostrophe the quoting helper refused
 //   3061  a statement names a column the store lacks ("Too few parameters"); 3078 an unknown table
 //   3079  an unqualified name two joined tables share; 3085 an unknown function
@@ -22,7 +23,7 @@
 //   3251  FindFirst on a computed cursor (groups, aggregates, DISTINCT)
 //   3020  Update or CancelUpdate without AddNew or Edit
 //   3027  a change through a read-only cursor (joins, groups, aggregates)
-//   3043  any other failure of the engine (disk full, file locked, corrupt file)
+//   3043  any other failure of the engine (disk full, file locked, read-only file)
 // A statement that fails changes nothing.
 #pragma once
 
