@@ -291,6 +291,21 @@ class WorkFile {
   bool kept_ = false;
 };
 
+// Runs a backup to its end. A store kept locked by another program for a minute is given up on rather
+// than waited for without end.
+int StepBackup(sqlite3_backup* b) {
+  int rc;
+  int waits = 0;
+  do {
+    rc = sqlite3_backup_step(b, -1);
+    if (rc == SQLITE_BUSY || rc == SQLITE_LOCKED) {
+      if (++waits > 600) break;
+      sqlite3_sleep(100);
+    }
+  } while (rc == SQLITE_OK || rc == SQLITE_BUSY || rc == SQLITE_LOCKED);
+  return rc;
+}
+
 // A complete copy of the store through SQLite's online backup, so the copy is consistent even if the
 // file is in use.
 void CopyStore(const fs::path& store, const fs::path& to) {
@@ -298,11 +313,7 @@ void CopyStore(const fs::path& store, const fs::path& to) {
   Db dst(to, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
   sqlite3_backup* b = sqlite3_backup_init(dst.get(), "main", src->get(), "main");
   if (!b) throw ConvertError("cannot copy " + store.string() + ": " + sqlite3_errmsg(dst.get()));
-  int rc;
-  do {
-    rc = sqlite3_backup_step(b, -1);
-    if (rc == SQLITE_BUSY || rc == SQLITE_LOCKED) sqlite3_sleep(100);
-  } while (rc == SQLITE_OK || rc == SQLITE_BUSY || rc == SQLITE_LOCKED);
+  int rc = StepBackup(b);
   sqlite3_backup_finish(b);
   if (rc != SQLITE_DONE)
     throw ConvertError("cannot copy " + store.string() + ": " + sqlite3_errmsg(dst.get()));
@@ -315,13 +326,19 @@ void CheckIntegrity(Db& db, const fs::path& what) {
                        (rows.empty() || rows[0].empty() ? std::string("no answer") : rows[0][0]));
 }
 
+// Puts the finished copy in place through SQLite's online backup into the store: one write transaction,
+// so the store is either wholly old or wholly new even if we are stopped halfway, and a program that
+// still has the store open (the one that started us is on its way out) keeps a consistent view. Renaming
+// a new file over the store instead would leave the old file's write-ahead log beside the new one.
 void Swap(WorkFile& work, const fs::path& store) {
-  SyncFile(work.path());
-  std::error_code ec;
-  fs::rename(work.path(), store, ec);
-  if (ec) throw ConvertError("cannot replace " + store.string() + ": " + ec.message());
-  work.Keep();
-  SyncFile(store.parent_path().empty() ? fs::path(".") : store.parent_path());
+  Db src(work.path(), SQLITE_OPEN_READONLY);
+  Db dst(store, SQLITE_OPEN_READWRITE);
+  sqlite3_backup* b = sqlite3_backup_init(dst.get(), "main", src.get(), "main");
+  if (!b) throw ConvertError("cannot replace " + store.string() + ": " + sqlite3_errmsg(dst.get()));
+  int rc = StepBackup(b);
+  sqlite3_backup_finish(b);
+  if (rc != SQLITE_DONE)
+    throw ConvertError("cannot replace " + store.string() + ": " + sqlite3_errmsg(dst.get()));
 }
 
 fs::path WorkPath(const fs::path& store) {

@@ -99,6 +99,28 @@ TEST_F(StoreConvertTest, ConvertsAnOlderLayoutKeepingEveryRow) {
   EXPECT_EQ(Read(store_), before);
 }
 
+TEST_F(StoreConvertTest, AProgramStillHoldingTheStoreSeesTheConvertedOne) {
+  MakeOldStore();
+  // The program that starts the conversion may still have the store open, in WAL mode.
+  sqlite3* held = nullptr;
+  ASSERT_EQ(sqlite3_open(store_.c_str(), &held), SQLITE_OK);
+  sqlite3_exec(held, "PRAGMA journal_mode = WAL; INSERT INTO seller VALUES ('102', 'Late row', 1)", nullptr,
+               nullptr, nullptr);
+  auto changes = ConvertStore(store_, layout_, true);
+  EXPECT_FALSE(changes.empty());
+  int rows = -1;
+  auto count = [](void* out, int, char** v, char**) {
+    *static_cast<int*>(out) = std::atoi(v[0]);
+    return 0;
+  };
+  EXPECT_EQ(sqlite3_exec(held, "SELECT count(*) FROM seller WHERE pending = 0", count, &rows, nullptr),
+            SQLITE_OK);
+  EXPECT_EQ(rows, 3);
+  sqlite3_close(held);
+  EXPECT_EQ(Sql(store_, "SELECT count(*) FROM seller WHERE Item = '102'"), "1|");
+  EXPECT_TRUE(MissingLayout(store_, layout_).empty());
+}
+
 TEST_F(StoreConvertTest, FailureLeavesTheStoreUntouched) {
   MakeOldStore();
   // A column that may not be empty but has nothing to fill the old rows with cannot be added.

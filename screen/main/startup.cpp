@@ -360,7 +360,9 @@ void MainForm::save_user_settings() {
 
 void MainForm::StartConvert() {
   try {
-    ui().StartProgram(program_->files.convert, {});
+    // The store is named outright: the settings may still point at a folder start-up fell back from.
+    Program& p = *program_;
+    ui().StartProgram(p.files.convert, {u"--store", FromUtf8(p.DbFile(p.startup.database_name).string())});
   } catch (const RuntimeError& e) {
     ui().MsgBox(u"Startup Error", u"Error message is: " + FromUtf8(e.description()), MsgButtons::OK,
                 MsgIcon::Critical);
