@@ -869,7 +869,7 @@ class Emitter {
       case Kind::Money:
         return "CAST(round(" + v + " * 10000) AS INTEGER)";
       case Kind::Bool:
-        return "(-(" + (from == Kind::Money ? v : v) + " <> 0))";
+        return "(-(" + v + " <> 0))";
       case Kind::Number:
       case Kind::Date:
         if (from == Kind::Money) return "(" + v + " / 10000.0)";
