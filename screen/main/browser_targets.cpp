@@ -15,6 +15,14 @@ Text Root(const Settings& s, const char* key) {
   return FromUtf8(BaseUrlFor(s, key));
 }
 
+// The account host is kept in the misc row as a bare host ("cgi3.ebay.com") or as a full address
+// ending in a slash; the page's path follows it directly.
+Text FeesRoot(Text host) {
+  if (host.find(u"://") == Text::npos) host = u"http://" + host;
+  if (host.back() != u'/') host += u'/';
+  return host;
+}
+
 }  // namespace
 
 BrowserPlace ResolveBrowserTarget(const std::array<bool, kBrowserTargetCount>& flags, const BrowserContext& c,
@@ -74,7 +82,7 @@ BrowserPlace ResolveBrowserTarget(const std::array<bool, kBrowserTargetCount>& f
           u"Displaying MYeBay Page");
       break;
     case BrowserTarget::kAccount:
-      p.address = c.servername_fees + u"ebayISAPI.dll?ViewAccount&userid=" + u + u"&pass=" + pw +
+      p.address = FeesRoot(c.servername_fees) + u"ebayISAPI.dll?ViewAccount&userid=" + u + u"&pass=" + pw +
                   u"&acctpagetype=0&daysback=-1&startmonth=&startday=&startyear=&endmonth=&endday=&endyear=&"
                   u"pagination=0";
       p.status = Text(u"Displaying Account Page");

@@ -127,8 +127,38 @@ void MainForm::BuildControls() {
                                               : ControlKind::TextBox;
     for (int side = 0; side < 2; ++side) Add(kind, n, side).SetVisible(side == 0);
   }
-  for (const char16_t* n : {u"seller_id_txt", u"seller_email_txt"})
-    Add(ControlKind::TextBox, n).SetVisible(false);
+  // The fields of the current row the pairs show, per side.
+  struct PairField {
+    const char16_t* control;
+    const char16_t* seller_field;
+    const char16_t* bidder_field;
+  };
+  for (const PairField& f : {PairField{u"Item_txt", u"Item", u"Item"},
+                             PairField{u"Title_txt", u"Title", u"Title"},
+                             PairField{u"Price_txt", u"Price", u"Price"},
+                             PairField{u"End_txt", u"End", u"End"},
+                             PairField{u"Id_txt", u"Id", u"Id"},
+                             PairField{u"Email_txt", u"Email", u"Email"},
+                             PairField{u"Name_txt", u"Name", u"Name"},
+                             PairField{u"Address_txt", u"Address", u"Address"},
+                             PairField{u"Comments_txt", u"Comments", u"Comments"},
+                             PairField{u"status_log_txt", u"status_log", u"status_log"},
+                             PairField{u"Quantity_txt", u"Quantity", u"Quantity"},
+                             PairField{u"Cost_txt", u"total_purchase", u"Cost"},
+                             PairField{u"Minbid_txt", u"Minbid", u"Minbid"},
+                             PairField{u"Reserve_txt", u"Reserve", u"Reserve"},
+                             PairField{u"category_lbl", u"category", u"category"},
+                             PairField{u"reserve_met_chk", u"Reserve_met", u"Reserve_met"},
+                             PairField{u"Contact_chk", u"Contact", u"Contact"},
+                             PairField{u"Response_chk", u"Response", u"Response"},
+                             PairField{u"Payment_chk", u"Payment", u"Payment"},
+                             PairField{u"Trans_comp_chk", u"Trans_comp", u"Trans_comp"}}) {
+    Get(f.control, 0).Bind(seller, f.seller_field);
+    Get(f.control, 1).Bind(Bidder, f.bidder_field);
+  }
+  Add(ControlKind::TextBox, u"seller_id_txt").Bind(Bidder, u"Seller_id");
+  Add(ControlKind::TextBox, u"seller_email_txt").Bind(Bidder, u"Seller_email");
+  for (const char16_t* n : {u"seller_id_txt", u"seller_email_txt"}) Find(n)->SetVisible(false);
   Add(ControlKind::Label, u"seller_id_lbl").SetCaption(u"Seller ID");
   Add(ControlKind::Label, u"seller_email_lbl").SetCaption(u"Seller Email");
   Find(u"seller_id_lbl")->SetVisible(false);
