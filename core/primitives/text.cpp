@@ -315,9 +315,6 @@ size_t FindSegment(TextView p, const Segment& seg, TextView text, size_t from, s
   return kNpos;
 }
 
-}  // namespace
-
-namespace {
 // Patterns made of plain characters and stars only, by far the most common kind ("*No Bids*",
 // "$*"): the segments are the pieces between the stars and are compared as they stand.
 bool LikePlain(TextView text, TextView pattern) {
