@@ -328,15 +328,21 @@ void Settings::Store() const {
   std::string bytes = ToUtf8(text);
 
   namespace fs = std::filesystem;
-  fs::path folder = file_.parent_path();
-  if (folder.empty()) folder = ".";
   std::error_code ec;
+  // A settings file kept elsewhere behind a link stays there; the link is not replaced by a file.
+  fs::path target = file_;
+  if (fs::is_symlink(file_, ec)) {
+    fs::path real = fs::weakly_canonical(file_, ec);
+    if (!ec) target = real;
+  }
+  fs::path folder = target.parent_path();
+  if (folder.empty()) folder = ".";
   fs::create_directories(folder, ec);
   if (ec) AccessError(folder, ec.value());
 
   // A temporary file beside the real one, so that the rename below stays on one file system and
   // replaces the old file in one step.
-  std::string tmpl = (folder / (file_.filename().string() + ".XXXXXX")).string();
+  std::string tmpl = (folder / (target.filename().string() + ".XXXXXX")).string();
   int fd = ::mkstemp(tmpl.data());
   if (fd < 0) AccessError(folder, errno);
   auto fail = [&](int e) {
@@ -360,7 +366,7 @@ void Settings::Store() const {
     ::unlink(tmpl.c_str());
     AccessError(file_, e);
   }
-  if (::rename(tmpl.c_str(), file_.c_str()) != 0) {
+  if (::rename(tmpl.c_str(), target.c_str()) != 0) {
     int e = errno;
     ::unlink(tmpl.c_str());
     AccessError(file_, e);

@@ -89,6 +89,16 @@ TEST_F(SettingsTest, NamesIgnoreCaseAndDeleteRemoves) {
   EXPECT_THROW(s.SaveSetting(u"Lotwright", u"Settings", u"", u"x"), RuntimeError);
 }
 
+TEST_F(SettingsTest, ALinkedFileIsWrittenWhereItLives) {
+  fs::path real = dir_ / "elsewhere" / "real.ini";
+  Write(real, "");
+  fs::path link = dir_ / "settings.ini";
+  fs::create_symlink(real, link);
+  Settings(link).SaveSetting(u"Lotwright", u"Settings", u"k", u"v");
+  EXPECT_TRUE(fs::is_symlink(link));
+  EXPECT_EQ(Settings(real).GetSetting(u"Lotwright", u"Settings", u"k", u""), u"v");
+}
+
 TEST_F(SettingsTest, GarbledLinesAreSkippedAndHandEditsRead) {
   fs::path file = dir_ / "settings.ini";
   Write(file,

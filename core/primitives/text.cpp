@@ -404,8 +404,28 @@ size_t InStrRev(TextView text, TextView find) {
   if (find.size() > text.size()) return 0;
   const size_t m = find.size();
   const char16_t* s = text.data();
-  // Scan backwards for the first character of the needle, then verify.
-  for (size_t at = text.size() - m + 1; at-- > 0;) {
+  size_t end = text.size() - m + 1;  // places [0, end) may start a match
+#if defined(__SSE2__)
+  // Blocks of eight places from the back, first and last character compared at once, the highest
+  // agreeing place verified first.
+  const __m128i first = _mm_set1_epi16(static_cast<short>(find[0]));
+  const __m128i last = _mm_set1_epi16(static_cast<short>(find[m - 1]));
+  while (end >= 8) {
+    size_t base = end - 8;
+    __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + base));
+    __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + base + m - 1));
+    unsigned mask = static_cast<unsigned>(
+        _mm_movemask_epi8(_mm_and_si128(_mm_cmpeq_epi16(a, first), _mm_cmpeq_epi16(b, last))));
+    while (mask != 0) {
+      unsigned top = 31u - static_cast<unsigned>(__builtin_clz(mask));
+      size_t at = base + top / 2;
+      if (SameUnits(s + at, find.data(), m)) return at + 1;
+      mask &= ~(3u << (top & ~1u));
+    }
+    end = base;
+  }
+#endif
+  for (size_t at = end; at-- > 0;) {
     if (s[at] == find[0] && s[at + m - 1] == find[m - 1] && SameUnits(s + at, find.data(), m)) return at + 1;
   }
   return 0;

@@ -45,7 +45,7 @@ TEST(Like, DigitsAndSets) {
   EXPECT_TRUE(Like(u"d", u"[!a-c]"));
   EXPECT_TRUE(Like(u"7x", u"[0-9a-f]x"));
   EXPECT_TRUE(Like(u"-", u"[a-]"));  // a dash at an edge stands for itself
-  EXPECT_TRUE(Like(u"*", u"[*]"));  // specials are plain inside a set
+  EXPECT_TRUE(Like(u"*", u"[*]"));   // specials are plain inside a set
   EXPECT_FALSE(Like(u"x", u"[*]"));
   EXPECT_TRUE(Like(u"a*b", u"a[*]*"));
   EXPECT_TRUE(Like(u"ab", u"a[]b"));  // the empty set takes no character
@@ -104,6 +104,8 @@ TEST(InStr, PositionsAndStart) {
           size_t want = hay.find(find, start - 1);
           EXPECT_EQ(InStr(start, hay, find), want == Text::npos ? 0 : want + 1) << n << " " << m << " " << at;
         }
+        Text twice = hay + hay;
+        EXPECT_EQ(InStrRev(twice, find), twice.rfind(find) + 1) << n << " " << m << " " << at;
       }
     }
   }
