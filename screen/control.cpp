@@ -172,8 +172,18 @@ bool Control::Reachable() const {
 
 void Control::RequireReachable(const char* action) const {
   if (Reachable()) return;
-  std::string why = !visible_ ? "hidden" : !enabled_ ? "disabled" : "out of reach";
-  throw UserRefused("cannot " + std::string(action) + " " + ToUtf8(Reference()) + ": it is " + why);
+  const std::string what = "cannot " + std::string(action) + " " + ToUtf8(Reference()) + ": ";
+  auto state = [](const Control& c) { return std::string(!c.visible_ ? "hidden" : "disabled"); };
+  if (!visible_ || !enabled_) throw UserRefused(what + "it is " + state(*this));
+  // Name what stands in the way: a parent menu, a container, or the form itself.
+  if (const auto* menu = dynamic_cast<const Menu*>(this)) {
+    for (const Menu* m = menu->parent(); m; m = m->parent())
+      if (!m->visible_ || !m->enabled_)
+        throw UserRefused(what + "its menu " + ToUtf8(m->Reference()) + " is " + state(*m));
+  }
+  for (const Control* c = container_; c; c = c->container_)
+    if (!c->visible_ || !c->enabled_) throw UserRefused(what + ToUtf8(c->Reference()) + " is " + state(*c));
+  throw UserRefused(what + "the form " + ToUtf8(form_->name()) + " is disabled");
 }
 
 void Control::Bind(DataControl& source, Text field) {
