@@ -11,8 +11,13 @@ namespace lw {
 
 class IniInput {
  public:
-  explicit IniInput(const std::filesystem::path& file);  // raises 53 when missing
-  Text Read();                                            // next item; raises 62 past the end
+  // Reads the whole file: UTF-8 when its bytes are valid UTF-8, else windows-1252. Raises 53 when it
+  // is missing and 75 when it cannot be read.
+  explicit IniInput(const std::filesystem::path& file);
+  // Next item: leading blanks and tabs skipped; a quoted item runs to its closing quote and the rest
+  // up to the delimiter is dropped; an unquoted one runs to a comma or line end, trailing blanks
+  // trimmed. Raises 62 past the end.
+  Text Read();
   bool AtEnd() const;
 
  private:

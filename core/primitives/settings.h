@@ -18,8 +18,13 @@ class Settings {
   // $XDG_CONFIG_HOME/lotwright/settings.ini, or $HOME/.config/lotwright/settings.ini.
   static std::filesystem::path DefaultPath();
 
+  // Names match without regard to case, as in a per-user key store; a name keeps the case it was
+  // first saved with. A key never saved gives the default.
   Text GetSetting(TextView app, TextView section, TextView key, TextView default_value) const;
+  // Writes the whole file again before returning. An empty name raises 5; a file that cannot be
+  // written raises 75 "Path/File access error" and leaves the value as it was.
   void SaveSetting(TextView app, TextView section, TextView key, TextView value);
+  // Deleting a key that was never saved does nothing.
   void DeleteSetting(TextView app, TextView section, TextView key);
   const std::filesystem::path& path() const { return file_; }
 
