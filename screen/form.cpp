@@ -17,6 +17,7 @@ Form::Form(Screen& screen, Text name) : screen_(&screen), name_(std::move(name))
 
 Form::~Form() {
   // Controls go while the form is still whole: their destructors report to it.
+  by_name_.clear();
   while (!controls_.empty()) controls_.pop_back();
 }
 
@@ -85,19 +86,22 @@ Menu& Form::AddMenu(Text name, const Text& caption, Menu* parent, int index) {
 
 Control& Form::Adopt(std::unique_ptr<Control> control) {
   if (&control->form() != this) throw std::logic_error("control adopted by a form it does not belong to");
-  for (const auto& c : controls_) {
-    if (!SameName(c->name(), control->name())) continue;
+  auto& same = by_name_[FoldName(control->name())];
+  for (const Control* c : same) {
     // A name is either one control or an array; the same member twice is a load of a loaded control.
     if (c->index() == control->index() || (c->index() < 0) != (control->index() < 0))
       throw RuntimeError(360, "Object already loaded: " + ToUtf8(control->Reference()));
   }
+  same.push_back(control.get());
   controls_.push_back(std::move(control));
   return *controls_.back();
 }
 
 Control* Form::Find(TextView name, int index) const {
-  for (const auto& c : controls_)
-    if (c->index() == index && SameName(c->name(), name)) return c.get();
+  auto it = by_name_.find(FoldName(name));
+  if (it == by_name_.end()) return nullptr;
+  for (Control* c : it->second)
+    if (c->index() == index) return c;
   return nullptr;
 }
 
@@ -110,8 +114,9 @@ Control& Form::GetControl(TextView name, int index) const {
 
 std::vector<Control*> Form::Array(TextView name) const {
   std::vector<Control*> out;
-  for (const auto& c : controls_)
-    if (c->index() >= 0 && SameName(c->name(), name)) out.push_back(c.get());
+  if (auto it = by_name_.find(FoldName(name)); it != by_name_.end())
+    for (Control* c : it->second)
+      if (c->index() >= 0) out.push_back(c);
   std::sort(out.begin(), out.end(), [](Control* a, Control* b) { return a->index() < b->index(); });
   return out;
 }

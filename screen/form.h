@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <type_traits>
+#include <unordered_map>
 #include <vector>
 
 #include "screen/control.h"
@@ -119,6 +120,8 @@ class Form {
   Screen* screen_;
   Text name_;
   std::vector<std::unique_ptr<Control>> controls_;
+  // Controls by folded name, array members in the order they were added: lookups by name are frequent.
+  std::unordered_map<Text, std::vector<Control*>> by_name_;
   Control* active_ = nullptr;
   bool loaded_ = false;
   bool visible_ = false;

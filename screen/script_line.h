@@ -39,14 +39,7 @@ struct RefSegment {
 // are letters, digits and underscores starting with a letter or underscore; at most three parts.
 std::vector<RefSegment> ParseReference(TextView word);
 
-// A control reference without a property: `NAME`, `NAME(INDEX)`, `FORM.NAME(INDEX)`. The index is a
-// whole number from 0.
-struct ControlRef {
-  Text form;
-  Text name;
-  int index = -1;
-};
-// Reads a segment's brackets as a control index: -1 without brackets.
+// Reads a segment's brackets as a control index (a whole number from 0): -1 without brackets.
 int SegmentIndex(const RefSegment& segment);
 
 }  // namespace lw
