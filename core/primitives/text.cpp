@@ -317,10 +317,8 @@ size_t FindSegment(TextView p, const Segment& seg, TextView text, size_t from, s
 
 // Patterns made of plain characters and stars only, by far the most common kind ("*No Bids*",
 // "$*"): the segments are the pieces between the stars and are compared as they stand.
-bool LikePlain(TextView text, TextView pattern) {
-  size_t first_star = pattern.find(u'*');
+bool LikePlain(TextView text, TextView pattern, size_t first_star, size_t last_star, size_t stars) {
   if (first_star == kNpos) return text == pattern;
-  size_t last_star = pattern.rfind(u'*');
   TextView head = pattern.substr(0, first_star);
   TextView tail = pattern.substr(last_star + 1);
   if (text.size() < head.size() + tail.size()) return false;
@@ -331,7 +329,7 @@ bool LikePlain(TextView text, TextView pattern) {
   size_t pos = head.size();
   size_t i = first_star + 1;
   while (i < last_star) {
-    size_t next = pattern.find(u'*', i);
+    size_t next = stars == 2 ? last_star : pattern.find(u'*', i);
     if (next > i) {
       TextView piece = pattern.substr(i, next - i);
       size_t at = Find(within, piece, pos);
@@ -345,14 +343,22 @@ bool LikePlain(TextView text, TextView pattern) {
 }  // namespace
 
 bool Like(TextView text, TextView pattern) {
+  // One look at the pattern decides the way; most patterns the program uses are plain.
+  size_t first_star = kNpos, last_star = kNpos, stars = 0;
   bool plain = true;
-  for (char16_t c : pattern) {
-    if (c == u'[' || c == u'?' || c == u'#') {
+  for (size_t k = 0; k < pattern.size(); ++k) {
+    char16_t c = pattern[k];
+    if (c > u'[') continue;  // letters and most else
+    if (c == u'*') {
+      if (first_star == kNpos) first_star = k;
+      last_star = k;
+      ++stars;
+    } else if (c == u'[' || c == u'?' || c == u'#') {
       plain = false;
       break;
     }
   }
-  if (plain) return LikePlain(text, pattern);
+  if (plain) return LikePlain(text, pattern, first_star, last_star, stars);
   ValidatePattern(pattern);
   // Every element takes a fixed number of characters, so a pattern is a chain of fixed-width
   // segments joined by stars: the first is anchored at the start, the last at the end, and each one
