@@ -528,9 +528,11 @@ void Driver::CmdStatus(const Text& number) {
 void Driver::CmdGrid(const Text& word) {
   auto* grid = dynamic_cast<Grid*>(&ResolveControl(word));
   if (!grid) throw UserError(U8(word) + " is not a grid");
+  // What the user sees: hidden columns stay out.
   for (const auto& cells : grid->Rows()) {
     std::string line = "row:";
-    for (const auto& cell : cells) line += " " + Q(cell);
+    for (size_t col = 0; col < cells.size(); ++col)
+      if (col >= grid->columns.size() || grid->columns[col].visible) line += " " + Q(cells[col]);
     Line(line);
   }
 }

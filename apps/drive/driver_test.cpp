@@ -204,5 +204,31 @@ TEST(Driver, DialogsKeysTicksAndProperties) {
             "error: line 18: no tab strip on the screen\n");
 }
 
+TEST(Driver, GridsPrintWhatTheUserSees) {
+  Harness h(
+      "grid list_grid\n"
+      "row list_grid 1\n"
+      "click list_grid 2\n"
+      "row list_grid 2\n"
+      "get list_grid.row\n");
+  auto& grid = h.main.Add<Grid>(u"list_grid");
+  grid.AddColumn(u"Item");
+  grid.AddColumn(u"Secret");
+  grid.AddColumn(u"Title");
+  grid.column(1).visible = false;
+  grid.AddRow({u"1", u"x", u"Lamp \"big\""});
+  grid.AddRow({u"2", u"y", u"Vase"});
+  std::vector<int> seen;
+  grid.OnRowColChange = [&](int last, int) { seen.push_back(last); };
+  grid.OnHeadClick = [&](int col) { seen.push_back(100 + col); };
+  EXPECT_EQ(h.Run(), Driver::kScriptErrors);
+  EXPECT_EQ(seen, (std::vector<int>{-1, 102}));
+  EXPECT_EQ(h.out.str(),
+            "row: \"1\" \"Lamp \\\"big\\\"\"\n"
+            "row: \"2\" \"Vase\"\n"
+            "error: line 4: grid list_grid has no row 2\n"
+            "list_grid.row = \"1\"\n");
+}
+
 }  // namespace
 }  // namespace lw
