@@ -165,6 +165,7 @@ void MainForm::FillFixedLists() {
   });
   // The side starts as Seller; the type's handler is not run for it, since nothing is loaded yet.
   auto handler = std::move(Auction_type_lst.OnClick);
+  Auction_type_lst.OnClick = nullptr;
   Auction_type_lst.SetListIndex(0);
   Auction_type_lst.OnClick = std::move(handler);
   site_lst.SetListIndex(0);
