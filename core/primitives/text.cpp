@@ -139,6 +139,13 @@ __attribute__((target("avx2"))) inline uint32_t EndsAgree(const char16_t* s, siz
       _mm256_movemask_epi8(_mm256_and_si256(_mm256_cmpeq_epi16(a, first), _mm256_cmpeq_epi16(b, last))));
 }
 
+__attribute__((target("avx2"))) inline __m256i EndsAgreeLanes(const char16_t* s, size_t at, size_t m,
+                                                              __m256i first, __m256i last) {
+  __m256i a = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s + at));
+  __m256i b = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s + at + m - 1));
+  return _mm256_and_si256(_mm256_cmpeq_epi16(a, first), _mm256_cmpeq_epi16(b, last));
+}
+
 __attribute__((target("avx2"))) size_t FindLongAvx2(const char16_t* s, size_t n, size_t from,
                                                     const char16_t* needle, size_t m) {
   if (n < m || from > n - m) return kNpos;
@@ -155,6 +162,18 @@ __attribute__((target("avx2"))) size_t FindLongAvx2(const char16_t* s, size_t n,
     }
     return kNpos;
   };
+  // Sixty-four places at a time with a single test while nothing agrees, which is most of a page.
+  for (; i + 63 <= last_start; i += 64) {
+    __m256i any = _mm256_or_si256(
+        _mm256_or_si256(EndsAgreeLanes(s, i, m, first, last), EndsAgreeLanes(s, i + 16, m, first, last)),
+        _mm256_or_si256(EndsAgreeLanes(s, i + 32, m, first, last),
+                        EndsAgreeLanes(s, i + 48, m, first, last)));
+    if (_mm256_testz_si256(any, any)) continue;
+    for (size_t base = i; base < i + 64; base += 16) {
+      size_t at = verify(EndsAgree(s, base, m, first, last), base);
+      if (at != kNpos) return at;
+    }
+  }
   for (; i + 31 <= last_start; i += 32) {
     uint64_t mask =
         EndsAgree(s, i, m, first, last) | (static_cast<uint64_t>(EndsAgree(s, i + 16, m, first, last)) << 32);
