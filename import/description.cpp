@@ -228,7 +228,7 @@ void get_ebay_seller_auction_description_with_HTML(ImportContext& ctx, Descripti
   Guarded(ctx, [&] {
     DescriptionFields& f = screen.fields;
     Text text = WithoutCarriageReturns(buffer.text());
-    f.Description1_txt[0] = u" ";
+    f.Description1_txt[0].assign(1, u' ');
     // The description is cut from the page as it came, before any tag is removed, and kept without
     // clean-up: that is the whole point of this command.
     f.Description1_txt[0] = cut_slice(
