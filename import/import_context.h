@@ -1,0 +1,64 @@
+// What the seller and bidder list imports need from the program: the store and its two screen cursors,
+// the regional values, the clock and the site's time offsets, the selectors of the main screen, and the
+// few things only a screen can do (status text, message boxes, the Last Import page, the view refresh,
+// the Advanced Import Edit menu). The main form fills one of these and keeps it for the whole run, so the
+// slot arrays below survive from one line of a page to the next as they must.
+#pragma once
+
+#include <array>
+#include <filesystem>
+#include <functional>
+
+#include "core/primitives/datetime.h"
+#include "core/primitives/regional.h"
+#include "core/primitives/types.h"
+#include "core/store/store.h"
+#include "import/site_time.h"
+#include "screen/ui.h"
+
+namespace lw {
+
+// The parsers' memory between lines. Slots count from 1 as the page's columns do; index 0 is unused.
+struct ImportState {
+  // Seller list: item, start, end, price, title, high bidder, rating, e-mail.
+  std::array<Text, 9> current_fields;
+  // The last completed seller record; slot 4 is written when a price is read, not when a record ends.
+  std::array<Text, 9> previous_fields;
+  // Bidder list: item, start, end, price, title, high bidder, seller id or e-mail.
+  std::array<Text, 8> bidder_fields;
+  // The line being handled.
+  Text current_line;
+  // Set by the seller parser's error handler; the line loop stops at once when it sees it.
+  bool stop_import = false;
+};
+
+struct ImportContext {
+  Database& db;
+  DataSource& seller;  // the `seller` screen cursor, moved by the lookups
+  DataSource& bidder;  // the `Bidder` screen cursor
+  const Regional& regional;
+  Clock& clock;
+  Ui& ui;
+  SiteClockOffsets offsets;      // Ebay_hour_difference and Ebay_minute_difference of the misc row
+  Text userid;                   // Userid_lst
+  Text site;                     // site_lst
+  Text setup_userid;             // Userid of the current setup row: the bidder side tells won from lost by it
+  std::filesystem::path folder;  // the database folder, where parsed_data.htm is written
+
+  // Status panel 1.
+  std::function<void(const Text&)> status{};
+  // Rebuilds the view once an import has moved the cursors about.
+  std::function<void()> auction_filter{};
+  // SSTab1 to tab 4 and show_last_import.
+  std::function<void()> show_last_import{};
+  // Enables Advanced_import_edit_mnu once an import has failed, so that the text can be mended.
+  std::function<void(bool)> enable_advanced_edit{};
+
+  ImportState state{};
+
+  void Status(const Text& text) const {
+    if (status) status(text);
+  }
+};
+
+}  // namespace lw
