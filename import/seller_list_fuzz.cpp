@@ -1,0 +1,18 @@
+// Feeds arbitrary normalised pages to the seller list import: it must end in its summary or its
+// messages, never crash or hang, whatever the lines hold.
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "import/file_display.h"
+#include "import/seller_list.h"
+#include "import/seller_list_fuzzing.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  static lw::fuzzing::FuzzImport fuzz;
+  fuzz.Reset();
+  lw::FileDisplay buffer;
+  buffer.set_text(lw::FromCp1252(std::string_view(reinterpret_cast<const char*>(data), size)));
+  lw::get_ebay_seller_auctions_2(*fuzz.ctx, buffer);
+  return 0;
+}
