@@ -76,6 +76,13 @@ void DataControl::Navigate(const std::function<void(Recordset&)>& move) {
   Reposition();
 }
 
+void DataControl::AddNew() {
+  Recordset& r = recordset();
+  SaveIfDirty(kActionMove);
+  r.AddNew();
+  Reposition();
+}
+
 bool DataControl::dirty() const {
   return std::any_of(bound_.begin(), bound_.end(), [](const Control* c) { return c->data_changed(); });
 }
@@ -117,6 +124,7 @@ void DataControl::UpdateRecord() {
 
 void DataControl::UpdateControls() {
   for (Control* c : bound_) c->SetDataChanged(false);
+  if (recordset_ && recordset_->EditInProgress()) recordset_->CancelUpdate();
   Reposition();
 }
 

@@ -46,6 +46,10 @@ class DataControl : public Control {
   // Saves a changed row, runs `move` on the cursor, then shows the row it stands on.
   void Navigate(const std::function<void(Recordset&)>& move);
 
+  // Saves a changed row, starts a new one and shows it (blank) in the bound controls; what is typed
+  // there is written by UpdateRecord (or dropped by UpdateControls, which also cancels the new row).
+  void AddNew();
+
   // Writes the edits of the bound controls to the current row now. Nothing happens when there are none.
   void UpdateRecord();
   // Re-reads the current row into the bound controls, dropping their edits.

@@ -163,6 +163,24 @@ TEST_F(Bound, GridShowsTheCursorRowsAndARowClickMovesTheRecord) {
   EXPECT_THROW(grid.UserClick(&nine), UserError);
 }
 
+TEST_F(Bound, ANewRowIsTypedIntoTheBoundControlsAndSavedOrDropped) {
+  source_->Refresh();
+  source_->MoveLast();
+  source_->AddNew();
+  EXPECT_EQ(title_->text(), u"");
+  title_->UserSet(u"Mirror");
+  source_->UpdateRecord();
+  EXPECT_EQ(db_->OpenRecordset(u"Select * From seller where Title = 'Mirror'")->Eof(), false);
+  EXPECT_FALSE(source_->recordset().EditInProgress());
+
+  source_->AddNew();
+  title_->UserSet(u"Never");
+  source_->UpdateControls();
+  EXPECT_FALSE(source_->recordset().EditInProgress());
+  EXPECT_TRUE(db_->OpenRecordset(u"Select * From seller where Title = 'Never'")->Eof());
+  EXPECT_EQ(title_->text(), u"Clock");
+}
+
 TEST_F(Bound, DataControlGoingAwayUnbindsItsControls) {
   source_->Refresh();
   auto form = std::make_unique<Form>(t_.screen, u"other");
