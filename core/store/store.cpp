@@ -276,8 +276,9 @@ class StatementUse {
       rc = sqlite3_bind_int64(st_, i, *n);
     else if (auto* d = std::get_if<double>(&v))
       rc = sqlite3_bind_double(st_, i, *d);
+    // SQLite takes its own copy: callers may hand in a temporary built from a plain string.
     else if (auto* t = std::get_if<std::string>(&v))
-      rc = sqlite3_bind_text(st_, i, t->data(), static_cast<int>(t->size()), SQLITE_STATIC);
+      rc = sqlite3_bind_text(st_, i, t->data(), static_cast<int>(t->size()), SQLITE_TRANSIENT);
     else
       rc = sqlite3_bind_null(st_, i);
     if (rc != SQLITE_OK) s_.FailFromEngine(rc);
