@@ -117,21 +117,21 @@ std::optional<Date> ParseMoment(TextView text) {
   return MakeDate(y, mo, d, h, mi, s);
 }
 
-struct KeySpec {
+struct KeyStroke {
   int code = 0;
   int ascii = 0;
 };
 
-std::optional<KeySpec> ParseKey(TextView name) {
-  if (SameName(name, u"enter") || SameName(name, u"return")) return KeySpec{key::kEnter, key::kEnter};
-  if (SameName(name, u"escape") || SameName(name, u"esc")) return KeySpec{key::kEscape, key::kEscape};
-  if (SameName(name, u"tab")) return KeySpec{key::kTab, key::kTab};
-  if (SameName(name, u"backspace")) return KeySpec{key::kBack, key::kBack};
-  if (SameName(name, u"delete")) return KeySpec{key::kDelete, 0};
-  if (SameName(name, u"space")) return KeySpec{32, 32};
+std::optional<KeyStroke> ParseKey(TextView name) {
+  if (SameName(name, u"enter") || SameName(name, u"return")) return KeyStroke{key::kEnter, key::kEnter};
+  if (SameName(name, u"escape") || SameName(name, u"esc")) return KeyStroke{key::kEscape, key::kEscape};
+  if (SameName(name, u"tab")) return KeyStroke{key::kTab, key::kTab};
+  if (SameName(name, u"backspace")) return KeyStroke{key::kBack, key::kBack};
+  if (SameName(name, u"delete")) return KeyStroke{key::kDelete, 0};
+  if (SameName(name, u"space")) return KeyStroke{32, 32};
   if (name.size() >= 2 && (name[0] == u'F' || name[0] == u'f')) {
     int n = 0;
-    if (ParseInt(name.substr(1), n) && n >= 1 && n <= 12) return KeySpec{key::kF1 + n - 1, 0};
+    if (ParseInt(name.substr(1), n) && n >= 1 && n <= 12) return KeyStroke{key::kF1 + n - 1, 0};
   }
   if (name.size() == 1 && !(name[0] >= 0xD800 && name[0] <= 0xDFFF)) {
     char16_t c = name[0];
@@ -140,7 +140,7 @@ std::optional<KeySpec> ParseKey(TextView name) {
       code = c - u'a' + 'A';
     else if ((c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') || c == u' ')
       code = c;
-    return KeySpec{code, static_cast<int>(c)};
+    return KeyStroke{code, static_cast<int>(c)};
   }
   return std::nullopt;
 }
@@ -473,10 +473,10 @@ void Driver::CmdSet(const Text& word, const Text& value) {
 }
 
 void Driver::CmdKey(const Text& word, const Text& key_name) {
-  auto spec = ParseKey(key_name);
+  auto stroke = ParseKey(key_name);
   if (!spec)
     throw UserError("unknown key " + U8(key_name) + " (Enter, Escape, F2 ... F11, or one character)");
-  ResolveControl(word).UserKey(spec->code, spec->ascii);
+  ResolveControl(word).UserKey(stroke->code, stroke->ascii);
 }
 
 void Driver::CmdTick(const Text& word, const Text* number) {
