@@ -185,7 +185,9 @@ std::optional<Text> import_dutch_bidder_btn(ImportContext& ctx, DutchScreen& scr
   return screen.txtURL;
 }
 
-void get_seller_dutch_auctions(ImportContext& ctx, FileDisplay& buffer) {
+namespace {
+
+void WalkSellerPage(ImportContext& ctx, FileDisplay& buffer) {
   buffer.SaveFile(ctx.folder / "parsed_data.htm");
   Text text = rewrite_dutch_page(buffer.text(), false);
   if (InStr(text, u"Error: Requestor not the seller") != 0) {
@@ -220,9 +222,20 @@ void get_seller_dutch_auctions(ImportContext& ctx, FileDisplay& buffer) {
                CStr(Variant(walk.items_sold), ctx.regional));
   }
   if (ctx.auction_filter) ctx.auction_filter();
-  if (HasRow(ctx.seller) || (ctx.seller.HasRecordset() && ctx.seller.recordset().RecordCount() > 0)) {
-    Recordset& view = ctx.seller.recordset();
-    view.FindFirst(u"Item = " + Quoted(item));
+  if (ctx.seller.HasRecordset() && ctx.seller.recordset().RecordCount() > 0) {
+    ctx.seller.recordset().FindFirst(u"Item = " + Quoted(item));
+  }
+}
+
+}  // namespace
+
+void get_seller_dutch_auctions(ImportContext& ctx, FileDisplay& buffer) {
+  // A line's failure is handled by the line parser; this catches what fails around the walk (the
+  // working file, the cursor), so that the command ends in the same message.
+  try {
+    WalkSellerPage(ctx, buffer);
+  } catch (const std::exception&) {
+    DutchLineFailed(ctx);
   }
 }
 
@@ -326,10 +339,16 @@ bool get_bidder_dutch_auctions(ImportContext& ctx, FileDisplay& buffer) {
   bool found = false;
   size_t heading = text.find(u"Item Price");
   if (heading != Text::npos && HasRow(ctx.bidder)) {
-    WalkLines(text, heading + 10, [&](const Text& line) {
-      found = parse_bidder_dutch_auctions(ctx, line);
-      return !found;
-    });
+    try {
+      WalkLines(text, heading + 10, [&](const Text& line) {
+        found = parse_bidder_dutch_auctions(ctx, line);
+        return !found;
+      });
+    } catch (const std::exception&) {
+      // The row could not take the values: cancel the edit so that nothing half-written is left.
+      if (ctx.bidder.recordset().EditInProgress()) ctx.bidder.recordset().CancelUpdate();
+      found = false;
+    }
   }
   if (found) {
     ctx.Status(u"Dutch Bid Auction Updated");
