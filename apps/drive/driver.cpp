@@ -474,7 +474,7 @@ void Driver::CmdSet(const Text& word, const Text& value) {
 
 void Driver::CmdKey(const Text& word, const Text& key_name) {
   auto stroke = ParseKey(key_name);
-  if (!spec)
+  if (!stroke)
     throw UserError("unknown key " + U8(key_name) + " (Enter, Escape, F2 ... F11, or one character)");
   ResolveControl(word).UserKey(stroke->code, stroke->ascii);
 }
