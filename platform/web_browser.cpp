@@ -109,12 +109,13 @@ void CurlWebBrowser::SubmitForm(const std::string& form, const std::map<std::str
   }
   if (!chosen) throw RuntimeError(err::kInvalidProcedureCall, "The page has no form " + form);
   std::vector<std::pair<std::string, std::string>> fields = chosen->fields;
-  for (const auto& [name, value] : values) {
-    auto it = std::find_if(fields.begin(), fields.end(), [&](const auto& f) { return f.first == name; });
+  for (const auto& entry : values) {
+    auto it =
+        std::find_if(fields.begin(), fields.end(), [&](const auto& f) { return f.first == entry.first; });
     if (it != fields.end())
-      it->second = value;
+      it->second = entry.second;
     else
-      fields.emplace_back(name, value);
+      fields.push_back(entry);
   }
   std::string query;
   for (const auto& [name, value] : fields) {
