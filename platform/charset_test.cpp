@@ -5,6 +5,7 @@
 
 #include "core/primitives/settings.h"
 #include "platform/charset.h"
+#include "platform/form_reader.h"
 #include "platform/hosts.h"
 #include "platform/html_document.h"
 
@@ -46,6 +47,23 @@ TEST(HtmlDocument, BrowserFormOfThePage) {
   EXPECT_EQ(d.forms[0].fields, (std::vector<std::pair<std::string, std::string>>{
                                    {"s", "2"}, {"t", "hi"}, {"r", "2"}, {"a", "A"}}));
   EXPECT_TRUE(HtmlDocument::Parse(u"").body_outer_html.empty());
+}
+
+TEST(FormReader, WalksTheFormsAndGivesTheQuery) {
+  FormReader reader;
+  EXPECT_FALSE(reader.FindForm(u"<p>no form</p>"));
+  EXPECT_EQ(reader.FormQuery(), "");
+  ASSERT_TRUE(reader.FindForm(
+      u"<form name=search><input name=q value=x></form>"
+      u"<form action=/aw-cgi/eBayISAPI.dll method=post><input type=hidden name=MfcISAPICommand value=MakeBid>"
+      u"<input type=hidden name=item value=123><input name=user value=''><input name=pass value=''>"
+      u"<input name=maxbid value=\"12.50 $\"><input name=quant value=1></form>"));
+  EXPECT_EQ(reader.FormQuery(), "q=x");
+  ASSERT_TRUE(reader.FindForm());
+  EXPECT_EQ(reader.FormQuery(), "MfcISAPICommand=MakeBid&item=123&user=&pass=&maxbid=12.50%20%24&quant=1");
+  EXPECT_FALSE(reader.FindForm());
+  EXPECT_FALSE(reader.FindForm());
+  EXPECT_EQ(reader.FormQuery(), "");
 }
 
 TEST(HtmlDocument, TextWithoutTags) {
