@@ -1,5 +1,7 @@
 #include "platform/web_browser.h"
 
+#include <libxml/parser.h>
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -45,7 +47,10 @@ bool AllDigits(const std::string& s) {
 }  // namespace
 
 CurlWebBrowser::CurlWebBrowser(const HttpSession& session, EventPort port)
-    : session_(session), port_(std::move(port)) {}
+    : session_(session), port_(std::move(port)) {
+  // Pages are parsed on the worker threads; the parser's global set-up must happen once before that.
+  xmlInitParser();
+}
 
 CurlWebBrowser::~CurlWebBrowser() {
   Stop();
