@@ -250,6 +250,8 @@ CREATE TABLE Categoryupdate (
 CREATE INDEX seller_item ON seller ("Item");
 CREATE INDEX seller_user ON seller ("username", "site");
 CREATE INDEX seller_email ON seller ("Email");
+-- The import finds a row posted from here by its title until the site has given it an item number.
+CREATE INDEX seller_title ON seller ("Title");
 CREATE INDEX bidder_item ON bidder ("Item");
 CREATE INDEX bidder_user ON bidder ("username", "site");
 CREATE INDEX categories_site ON Categories ("AppSiteId", "CategoryLevel");

@@ -1244,9 +1244,12 @@ Translation TranslateSelect(Statement& st, const TranslateContext& ctx) {
       outs.push_back(std::move(o));
     }
   }
+  // Only a join can make two output columns clash; a single table never does, and the import opens
+  // one-table cursors thousands of times.
   std::vector<Text> plain_names;
-  for (auto& o : outs) plain_names.push_back(o.name);
-  for (size_t i = 0; i < outs.size(); ++i) {
+  if (tr.tables.size() > 1)
+    for (auto& o : outs) plain_names.push_back(o.name);
+  for (size_t i = 0; i < plain_names.size(); ++i) {
     if (!outs[i].plain_column || outs[i].value.table < 0) continue;
     for (size_t j = 0; j < outs.size(); ++j) {
       if (i != j && outs[j].plain_column && outs[j].value.table != outs[i].value.table &&
