@@ -154,19 +154,32 @@ class TagRemover {
     it->second = std::move(kept);
     std::sort(matched.begin(), matched.end());
     matched.erase(std::unique(matched.begin(), matched.end()), matched.end());
-    // Ids follow the text order and a join keeps the id of the later segment, so going from the right
-    // joins a run of matching neighbours in the right order.
-    for (auto r = matched.rbegin(); r != matched.rend(); ++r) {
-      Segment& seg = segs_[*r];
-      seg.content.resize(seg.content.size() - tag.size());
-      Segment& next = segs_[seg.next];
-      bool next_had_key = next.content.find(u'<') != Text::npos;
-      next.content.insert(0, seg.content);
-      next.prev = seg.prev;
-      if (seg.prev != kNone) segs_[seg.prev].next = seg.next;
-      seg.alive = false;
-      seg.content.clear();
-      if (!next_had_key) Index(seg.next);
+    // Ids follow the text order and a join keeps the id of the later segment. A run of matching
+    // neighbours is joined into the segment after it in one go: joining them one by one would copy the
+    // growing text again for every member, which on a page of identical rows never ends.
+    for (size_t i = 0; i < matched.size();) {
+      size_t j = i;
+      while (j + 1 < matched.size() && segs_[matched[j]].next == matched[j + 1]) ++j;
+      const int first = matched[i];
+      const int target_id = segs_[matched[j]].next;
+      Segment& target = segs_[target_id];
+      const bool target_had_key = target.content.find(u'<') != Text::npos;
+      size_t total = target.content.size();
+      for (size_t k = i; k <= j; ++k) total += segs_[matched[k]].content.size() - tag.size();
+      Text joined;
+      joined.reserve(total);
+      for (size_t k = i; k <= j; ++k) {
+        Segment& seg = segs_[matched[k]];
+        joined.append(seg.content, 0, seg.content.size() - tag.size());
+        seg.alive = false;
+        Text().swap(seg.content);
+      }
+      joined += target.content;
+      target.content = std::move(joined);
+      target.prev = segs_[first].prev;
+      if (target.prev != kNone) segs_[target.prev].next = target_id;
+      if (!target_had_key) Index(target_id);
+      i = j + 1;
     }
   }
 

@@ -119,6 +119,19 @@ TEST(ParseHtml, SameTextAsTheWholeTextRemoval) {
   }
 }
 
+TEST(ParseHtml, PageOfIdenticalRows) {
+  // Every row leaves the same tag behind, so one removal joins the whole page at once. Done one join
+  // at a time this copied the growing text for every row and a large page never finished.
+  Text rows;
+  for (int i = 0; i < 300; ++i) rows += u"<tr><td>x</td></tr>\r\n";
+  ExpectSameAsReference(rows);
+
+  Text page;
+  for (int i = 0; i < 400000; ++i) page += u"<tr><td>x</td></tr>";
+  parse_HTML_text(page);
+  EXPECT_EQ(page, Text(400000, u'x'));
+}
+
 TEST(TitleCleanUp, SearchRestartsAfterEachReplacement) {
   auto clean = [](Text t) {
     remove_odd_characters_from_title(t);
