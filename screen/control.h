@@ -480,8 +480,4 @@ class BrowserControl : public Control {
   std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;
 };
 
-// Older name of BrowserControl, kept until the forms that use it have moved over; it goes away when the
-// platform's web view (also lw::WebBrowser) is wired to the screen.
-using WebBrowser = BrowserControl;
-
 }  // namespace lw

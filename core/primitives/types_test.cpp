@@ -18,8 +18,8 @@ TEST(Currency, WholeNumberRoundsHalvesToEven) {
 
 TEST(Currency, FromDoubleKeepsFourPlacesHalvesToEven) {
   EXPECT_EQ(Currency::FromDouble(1.23456).scaled(), 12346);
-  EXPECT_EQ(Currency::FromDouble(0.00005).scaled(), 0);   // half, 0 is even
-  EXPECT_EQ(Currency::FromDouble(0.00015).scaled(), 2);   // half, 2 is even
+  EXPECT_EQ(Currency::FromDouble(0.00005).scaled(), 0);  // half, 0 is even
+  EXPECT_EQ(Currency::FromDouble(0.00015).scaled(), 2);  // half, 2 is even
   EXPECT_EQ(Currency::FromDouble(19.99).scaled(), 199900);
   EXPECT_EQ(Currency::FromDouble(-0.1).scaled(), -1000);
   EXPECT_THROW(Currency::FromDouble(1e300), RuntimeError);
@@ -45,7 +45,9 @@ TEST(Encoding, RoundTripsAndReplacesBadBytes) {
   Text t = FromUtf8("caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80");
   EXPECT_EQ(t.size(), 9u);  // the emoji takes a surrogate pair
   EXPECT_EQ(ToUtf8(t), "caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80");
-  EXPECT_EQ(FromUtf8("a\xFF" "b"), Text(u"a\uFFFDb"));
+  EXPECT_EQ(FromUtf8("a\xFF"
+                     "b"),
+            Text(u"a\uFFFDb"));
   EXPECT_EQ(FromUtf8("\xE2\x82"), Text(u"\uFFFD\uFFFD"));
   EXPECT_EQ(FromCp1252("\x80\xA3\x93"), Text(u"\u20AC\u00A3\u201C"));
   EXPECT_EQ(ToCp1252(u"\u20AC\u00A3\u4E2D"), "\x80\xA3?");

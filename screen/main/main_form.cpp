@@ -41,7 +41,7 @@ MainForm::MainForm(Screen& screen, Program& program)
       SSTab1(Add<TabStrip>(u"SSTab1")),
       StatusBar1(Add<StatusBar>(u"StatusBar1")),
       ctListBar1(Add<ListBar>(u"ctListBar1")),
-      WebBrowser1(Add<WebBrowser>(u"WebBrowser1")),
+      WebBrowser1(Add<BrowserControl>(u"WebBrowser1")),
       seller_grid(Add<Grid>(u"seller_grid")),
       buyer_grid(Add<Grid>(u"buyer_grid")),
       feedback_grid(Add<Grid>(u"feedback_grid")),

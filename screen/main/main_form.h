@@ -30,7 +30,7 @@ class MainForm : public Form {
   TabStrip& SSTab1;
   StatusBar& StatusBar1;
   ListBar& ctListBar1;
-  WebBrowser& WebBrowser1;
+  BrowserControl& WebBrowser1;
   Grid& seller_grid;
   Grid& buyer_grid;
   Grid& feedback_grid;

@@ -1,16 +1,12 @@
 // lotwright-drive [SCRIPT]: starts the program exactly as the desktop program starts, without a window,
 // and takes the user's part from SCRIPT (or standard input).
-#include <unistd.h>
 
 #include <fstream>
 #include <iostream>
 #include <string>
 
+#include "apps/common/assembly.h"
 #include "apps/drive/driver.h"
-#include "core/primitives/settings.h"
-#include "screen/main/main_form.h"
-#include "screen/main/program.h"
-#include "screen/main/startup.h"
 
 namespace {
 
@@ -21,30 +17,6 @@ constexpr char kUsage[] =
     "one a line: set, click, rclick, dblclick, row, key, leave, tab, menu, answer, file, color, now,\n"
     "pump, tick, get, status, messages, grid, sql, clipboard, outside, exit.\n"
     "Exit status: 0, 2 when a command failed, 3 on an unhandled program error.\n";
-
-// The directory of this program, for what ships beside it.
-std::filesystem::path ProgramDir(const char* argv0) {
-  std::error_code ec;
-  auto self = std::filesystem::read_symlink("/proc/self/exe", ec);
-  if (ec) self = std::filesystem::absolute(argv0, ec);
-  return self.parent_path();
-}
-
-lw::ProgramFiles Files(const std::filesystem::path& dir) {
-  lw::ProgramFiles files;
-  files.shipped_store = lw::ShippedStorePath(dir);
-  // Installed, the companion program lies beside this one; in the build tree it has its own folder.
-  files.convert = dir / "lotwright-convert";
-#ifdef LW_CONVERT_PATH
-  if (!std::filesystem::exists(files.convert)) files.convert = LW_CONVERT_PATH;
-#endif
-#ifdef LW_HELP_PATH
-  files.help = LW_HELP_PATH;
-#endif
-  if (auto installed = dir / "../share/lotwright/help/index.html"; std::filesystem::exists(installed))
-    files.help = installed;
-  return files;
-}
 
 }  // namespace
 
@@ -70,10 +42,9 @@ int main(int argc, char** argv) {
   }
   try {
     lw::Driver driver(*script, std::cout);
-    lw::EventQueue queue;
-    lw::Settings settings(lw::Settings::DefaultPath());
-    lw::Program program(driver, queue, settings, Files(ProgramDir(argv[0])));
-    lw::CreateForms(program);
+    // The same assembly the desktop program uses: forms, every subsystem's routines, shipped files.
+    lw::Assembly assembly(driver);
+    lw::Program& program = assembly.program();
     lw::Driver::Program hooks;
     hooks.screen = &program.screen;
     hooks.clock = &program.clock;
@@ -82,7 +53,7 @@ int main(int argc, char** argv) {
       if (program.main) program.main->exit_program();
     };
     driver.Attach(std::move(hooks));
-    int code = driver.Run([&program] { lw::Main(program); });
+    int code = driver.Run([&assembly] { assembly.Start(); });
     // What the program started (the store's backup or conversion) finishes before the driver ends, so
     // that a script run after this one finds its work done.
     driver.WaitForStartedPrograms(std::chrono::seconds(120));
