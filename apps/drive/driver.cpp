@@ -229,6 +229,10 @@ int Driver::Run(const std::function<void()>& start) {
     while (NextLine(words)) Execute(words);
   } catch (const ProcessEnd& end) {
     code = end.code;
+    // What the program said on its way out (the backup question, the conversion notice) can no longer
+    // be asked for with `messages`, so it is shown here.
+    for (const auto& m : messages_) Line(m);
+    messages_.clear();
   } catch (const ScriptEnd&) {
   } catch (const FatalEnd&) {
     return kFatal;

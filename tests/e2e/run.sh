@@ -12,6 +12,7 @@
 #   NAME.2.lwd, NAME.3.lwd ...  optional: further runs in the same HOME, as the program started again;
 #                  the transcript then has a line "--- NAME.2.lwd ---" before each
 # A line "# status: N" in a script gives the exit status its run must end with (default 0).
+# With LW_E2E_UPDATE=1 in the environment the transcript replaces NAME.expected.
 set -u
 
 driver=${1:?usage: run.sh DRIVER SCRIPT}
@@ -78,6 +79,10 @@ for run in "${runs[@]}"; do
   fi
 done
 
+# LW_E2E_UPDATE=1 takes the printed transcript as the new expected one (read the diff before committing).
+if [[ "${LW_E2E_UPDATE:-}" == 1 ]]; then
+  cp "$transcript" "$expected"
+fi
 if ! diff -u "$expected" "$transcript"; then
   echo "run.sh: the transcript of $name differs from $expected (lines with - expected, + printed)" >&2
   failed=1
