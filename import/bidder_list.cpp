@@ -12,9 +12,6 @@ namespace lw {
 
 namespace {
 
-constexpr int kOutOfMemory = 7;
-constexpr int kInternalError = 51;
-
 struct BidderRecord {
   Text item, price, title, id, seller;
   Date start, end;
@@ -163,7 +160,7 @@ void parse_ebay_bidder_import_data(ImportContext& ctx, int& added, int& updated)
 }
 
 void get_ebay_bidder_auctions(ImportContext& ctx, FileDisplay& buffer) {
-  try {
+  guard_line_loop(ctx, [&] {
     for (Text& slot : ctx.state.bidder_fields) slot.clear();
     int added = 0;
     int updated = 0;
@@ -173,13 +170,7 @@ void get_ebay_bidder_auctions(ImportContext& ctx, FileDisplay& buffer) {
         updated);
     ctx.Status(import_summary(added, updated));
     if (ctx.auction_filter) ctx.auction_filter();
-  } catch (const RuntimeError& e) {
-    report_line_loop_error(ctx, e.number());
-  } catch (const std::bad_alloc&) {
-    report_line_loop_error(ctx, kOutOfMemory);
-  } catch (const std::exception&) {
-    report_line_loop_error(ctx, kInternalError);
-  }
+  });
 }
 
 }  // namespace lw

@@ -379,6 +379,18 @@ void report_line_loop_error(ImportContext& ctx, int number) {
   ctx.ui.SetWaitCursor(false);
 }
 
+void guard_line_loop(ImportContext& ctx, const std::function<void()>& loop) {
+  try {
+    loop();
+  } catch (const RuntimeError& e) {
+    report_line_loop_error(ctx, e.number());
+  } catch (const std::bad_alloc&) {
+    report_line_loop_error(ctx, kOutOfMemory);
+  } catch (const std::exception&) {
+    report_line_loop_error(ctx, kInternalError);
+  }
+}
+
 bool auction_has_ended(const ImportContext& ctx, Date end) {
   const int64_t minutes_left =
       DateDiff(u"n", ctx.clock.Now(), end) - static_cast<int64_t>(ctx.offsets.hour_difference * 60);
@@ -433,7 +445,7 @@ void parse_ebay_seller_import_data_2(ImportContext& ctx, int& added, int& update
 }
 
 void get_ebay_seller_auctions_2(ImportContext& ctx, FileDisplay& buffer) {
-  try {
+  guard_line_loop(ctx, [&] {
     buffer.SaveFile(ctx.folder / "parsed_data.htm");
     if (InStr(buffer.text(), u"User Error") != 0) {
       ctx.ui.MsgBox(u"Unable to Import",
@@ -469,13 +481,7 @@ void get_ebay_seller_auctions_2(ImportContext& ctx, FileDisplay& buffer) {
     } else if (ctx.auction_filter) {
       ctx.auction_filter();
     }
-  } catch (const RuntimeError& e) {
-    report_line_loop_error(ctx, e.number());
-  } catch (const std::bad_alloc&) {
-    report_line_loop_error(ctx, kOutOfMemory);
-  } catch (const std::exception&) {
-    report_line_loop_error(ctx, kInternalError);
-  }
+  });
 }
 
 }  // namespace lw

@@ -27,6 +27,8 @@ bool walk_list_lines(ImportContext& ctx, FileDisplay& buffer, const ListWalk& wa
 
 // The handler of both line loops: status text by error number, the pointer restored.
 void report_line_loop_error(ImportContext& ctx, int number);
+// Runs a list import's line loop; any error that escapes it ends in the line loop's message.
+void guard_line_loop(ImportContext& ctx, const std::function<void()>& loop);
 
 // Whether an auction ending at `end` (site time) has ended by the computer's clock and the site's hour
 // difference. The minute difference is not applied here.
