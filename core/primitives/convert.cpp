@@ -1566,25 +1566,11 @@ std::optional<Date> DateOf(const Variant& v, const Regional& r) {
 }  // namespace
 
 double CDbl(const Variant& v, const Regional& r) {
-  switch (v.kind()) {
-    case Variant::Kind::Null:
-      RequireNotNull(v);
-      break;
-    case Variant::Kind::Bool:
-      return *v.boolean() ? -1 : 0;
-    case Variant::Kind::Number:
-      return *v.number();
-    case Variant::Kind::Currency:
-      return v.currency()->ToDouble();
-    case Variant::Kind::Date:
-      return v.date()->serial;
-    case Variant::Kind::Text: {
-      auto p = ParseNumber(*v.text(), r);
-      if (!p) Mismatch();
-      return ToDouble(*p);
-    }
-  }
-  Mismatch();
+  if (auto n = NumberOf(v)) return *n;
+  RequireNotNull(v);
+  auto p = ParseNumber(*v.text(), r);
+  if (!p) Mismatch();
+  return ToDouble(*p);
 }
 
 Currency CCur(const Variant& v, const Regional& r) {

@@ -668,21 +668,9 @@ double Val(TextView text) {
 }
 
 double Val(const Variant& v) {
-  switch (v.kind()) {
-    case Variant::Kind::Null:
-      return 0;
-    case Variant::Kind::Bool:
-      return *v.boolean() ? kTrue : kFalse;
-    case Variant::Kind::Number:
-      return *v.number();
-    case Variant::Kind::Currency:
-      return v.currency()->ToDouble();
-    case Variant::Kind::Date:
-      return v.date()->serial;
-    case Variant::Kind::Text:
-      return Val(TextView(*v.text()));
-  }
-  return 0;
+  if (auto n = NumberOf(v)) return *n;
+  if (const Text* t = v.text()) return Val(TextView(*t));
+  return 0;  // Null
 }
 
 }  // namespace lw

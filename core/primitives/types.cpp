@@ -107,4 +107,21 @@ void RequireNotNull(const Variant& v) {
   if (v.IsNull()) throw RuntimeError(err::kInvalidUseOfNull, "Invalid use of Null");
 }
 
+std::optional<double> NumberOf(const Variant& v) {
+  switch (v.kind()) {
+    case Variant::Kind::Bool:
+      return *v.boolean() ? kTrue : kFalse;
+    case Variant::Kind::Number:
+      return *v.number();
+    case Variant::Kind::Currency:
+      return v.currency()->ToDouble();
+    case Variant::Kind::Date:
+      return v.date()->serial;
+    case Variant::Kind::Null:
+    case Variant::Kind::Text:
+      break;
+  }
+  return std::nullopt;
+}
+
 }  // namespace lw

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -18,7 +19,9 @@ using TextView = std::u16string_view;
 // Yes/no as the program stores and compares it.
 inline constexpr int kTrue = -1;
 inline constexpr int kFalse = 0;
-inline constexpr int YesNo(bool b) { return b ? kTrue : kFalse; }
+inline constexpr int YesNo(bool b) {
+  return b ? kTrue : kFalse;
+}
 
 // A run-time error with the number that handlers test (3024, 3265, 53, 62, 13, 380, 3421 ...).
 class RuntimeError : public std::runtime_error {
@@ -43,7 +46,7 @@ inline constexpr int kObjectVariableNotSet = 91;
 inline constexpr int kInvalidUseOfNull = 94;
 inline constexpr int kInvalidPropertyValue = 380;
 inline constexpr int kStoreFileNotFound = 3024;
-inline constexpr int kSyntaxError = 3075;  // malformed statement or a value that breaks it
+inline constexpr int kSyntaxError = 3075;   // malformed statement or a value that breaks it
 inline constexpr int kItemNotFound = 3265;  // a column the cursor lacks
 inline constexpr int kNoCurrentRecord = 3021;
 inline constexpr int kDataTypeConversion = 3421;
@@ -69,8 +72,14 @@ class Currency {
   friend constexpr Currency operator+(Currency a, Currency b) { return FromScaled(a.scaled_ + b.scaled_); }
   friend constexpr Currency operator-(Currency a, Currency b) { return FromScaled(a.scaled_ - b.scaled_); }
   constexpr Currency operator-() const { return FromScaled(-scaled_); }
-  Currency& operator+=(Currency o) { scaled_ += o.scaled_; return *this; }
-  Currency& operator-=(Currency o) { scaled_ -= o.scaled_; return *this; }
+  Currency& operator+=(Currency o) {
+    scaled_ += o.scaled_;
+    return *this;
+  }
+  Currency& operator-=(Currency o) {
+    scaled_ -= o.scaled_;
+    return *this;
+  }
   friend constexpr auto operator<=>(Currency a, Currency b) = default;
 
  private:
@@ -136,5 +145,9 @@ class Variant {
 
 // Null raises 94, as arithmetic or assignment of a null would.
 void RequireNotNull(const Variant& v);
+
+// The number a value holds without reading text: yes/no as -1/0, money, a date's serial day. Nothing for
+// Null and text, whose reading differs between Val and the locale conversions.
+std::optional<double> NumberOf(const Variant& v);
 
 }  // namespace lw
