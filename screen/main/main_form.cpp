@@ -1,4 +1,5 @@
 #include "screen/main/main_form.h"
+#include "screen/main/main_parts.h"
 
 #include <fstream>
 #include <string>
@@ -290,6 +291,9 @@ void MainForm::RegisterOwnRoutines() {
   // Entries that exist on the menus and do nothing.
   for (const char* none : {"locate_database_mnu", "download_site_mnu", "mail_debug_mnu", "socket_debug_mnu"})
     r.Register(none, [] {});
+  RegisterUserids(*this);
+  RegisterViews(*this);
+  RegisterRecords(*this);
 }
 
 void MainForm::RunCommand(const std::string& routine) {

@@ -1,0 +1,8 @@
+#include "screen/main/main_form.h"
+#include "screen/main/main_parts.h"
+
+namespace lw {
+
+void RegisterUserids(MainForm&) {}
+
+}  // namespace lw
