@@ -136,7 +136,7 @@ void parse_ebay_bidder_import_data(ImportContext& ctx, int& added, int& updated)
     r.seller = f[7];
 
     // An auction bid on under two of the user's ids is one row: the lookup does not test the user.
-    DataSource& bidder = ctx.bidder;
+    CursorSource& bidder = ctx.bidder;
     bidder.RecordSource = u"Select * From bidder where item = " + Quoted(r.item) + u" and Duplicated = no";
     bidder.Refresh();
     Recordset& rs = bidder.recordset();

@@ -26,7 +26,7 @@ Text WithoutCarriageReturns(const Text& text) {
 }
 
 Recordset* CurrentRow(ImportContext& ctx, const DescriptionScreen& screen) {
-  DataSource& source = screen.auction_type == u"Bidder" ? ctx.bidder : ctx.seller;
+  CursorSource& source = screen.auction_type == u"Bidder" ? ctx.bidder : ctx.seller;
   if (!source.HasRecordset()) return nullptr;
   Recordset& rs = source.recordset();
   if (rs.Eof() || rs.Bof()) return nullptr;

@@ -10,7 +10,7 @@ namespace {
 
 const Text kCrLf = u"\r\n";
 
-bool HasRow(DataSource& source) {
+bool HasRow(CursorSource& source) {
   if (!source.HasRecordset()) return false;
   Recordset& rs = source.recordset();
   return !rs.Eof() && !rs.Bof();

@@ -34,8 +34,8 @@ struct ImportState {
 
 struct ImportContext {
   Database& db;
-  DataSource& seller;  // the `seller` screen cursor, moved by the lookups
-  DataSource& bidder;  // the `Bidder` screen cursor
+  CursorSource& seller;  // the `seller` screen cursor, moved by the lookups
+  CursorSource& bidder;  // the `Bidder` screen cursor
   const Regional& regional;
   Clock& clock;
   Ui& ui;

@@ -292,7 +292,7 @@ void MergeSellerRecord(ImportContext& ctx, int& added, int& updated) {
   remove_odd_characters_from_title(r.title);
   r.title = Left(r.title, 45);
 
-  DataSource& seller = ctx.seller;
+  CursorSource& seller = ctx.seller;
   seller.RecordSource = u"Select * From seller where item = " + Quoted(r.item) +
                         u" and Duplicated = no and username = " + Quoted(ctx.userid);
   seller.Refresh();

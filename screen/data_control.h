@@ -15,7 +15,7 @@ namespace lw {
 
 class Grid;
 
-class DataControl : public Control {
+class DataControl : public Control, public CursorSource {
  public:
   DataControl(Form& form, Text name, int index = -1);
   ~DataControl() override;
@@ -24,15 +24,13 @@ class DataControl : public Control {
   void SetDatabase(Database* database);
   Database* database() const { return database_; }
 
-  // The query; takes effect at the next Refresh.
-  Text RecordSource;
   // Saves a changed row, runs RecordSource and stands on its first row; bound controls follow and
   // OnReposition fires. When the statement fails the old cursor stays and the error propagates.
-  void Refresh();
-  bool HasRecordset() const { return recordset_ != nullptr; }
+  void Refresh() override;
+  bool HasRecordset() const override { return recordset_ != nullptr; }
   // The cursor; raises 91 before the first Refresh. Moving it directly does not update bound
   // controls: use the moves below, or Navigate, or call Reposition afterwards.
-  Recordset& recordset();
+  Recordset& recordset() override;
 
   // Moves that save a changed row first and then show the new row.
   void MoveFirst();

@@ -152,18 +152,29 @@ class Recordset {
 };
 
 // A screen's data source: a settable record source and Refresh, which re-runs it.
-class DataSource {
+// What code that moves a screen's cursor needs of it: the settable query, a refresh and the cursor
+// itself. The store's own data source and the screen's data controls both offer it, so the import can
+// work on the very cursor the screen shows.
+class CursorSource {
+ public:
+  virtual ~CursorSource() = default;
+  // The query shown; takes effect at the next Refresh.
+  Text RecordSource;
+  // Runs RecordSource and replaces the cursor; the old cursor stays when the statement fails.
+  virtual void Refresh() = 0;
+  virtual bool HasRecordset() const = 0;
+  // The current cursor; 91 when it has not been refreshed yet.
+  virtual Recordset& recordset() = 0;
+};
+
+class DataSource : public CursorSource {
  public:
   DataSource(Database& db, Text name) : db_(&db), name_(std::move(name)) {}
   const Text& name() const { return name_; }
 
-  // The query the data source shows; takes effect at the next Refresh.
-  Text RecordSource;
-  // Runs RecordSource and replaces the cursor; the old cursor stays when the statement fails.
-  void Refresh();
-  bool HasRecordset() const { return recordset_ != nullptr; }
-  // The current cursor; 91 when the data source has not been refreshed yet.
-  Recordset& recordset();
+  void Refresh() override;
+  bool HasRecordset() const override { return recordset_ != nullptr; }
+  Recordset& recordset() override;
 
  private:
   Database* db_;
