@@ -58,6 +58,10 @@ struct Program {
     Text base = u"Select * From seller ";
     Text condition;
     Text tail = u" order by end desc ";
+    Text direction;             // "asc" or "desc" of the last heading sort; empty until the first
+    Text quote;                 // the filter field's quote: "'" for a text column, else empty
+    Text wild;                  // "*" under the comparison "like", else empty
+    int16_t rows_returned = 0;  // the count of the last records_returned
   } view;
 
   // Regional values as the import and listing code compare them.
@@ -72,6 +76,7 @@ struct Program {
   // The main screen's flags.
   struct ScreenState {
     bool renaming = false;  // a user id is being renamed: page changes do nothing
+    bool settling = false;  // a list selection is being changed by code: the selectors' handlers wait
     std::array<bool, kBrowserTargetCount> browser_request{};
     bool bulk_view = false;  // the Email page was entered for the bulk list
     Text feedback_url;
