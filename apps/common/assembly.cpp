@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "core/store/store.h"
+#include "import/import_screen.h"
 #include "screen/main/startup.h"
 
 namespace lw {
@@ -52,8 +53,9 @@ void Assembly::Exit() {
   program_->main->exit_program();
 }
 
-void RegisterSubsystems(Program&) {
-  // Each later subsystem adds its Register...(program) call here.
+void RegisterSubsystems(Program& program) {
+  // Each subsystem above the screen adds its Register...(program) call here.
+  RegisterImport(program);
 }
 
 }  // namespace lw

@@ -5,6 +5,7 @@
 #include <array>
 #include <filesystem>
 #include <memory>
+#include <vector>
 
 #include "core/primitives/datetime.h"
 #include "core/primitives/regional.h"
@@ -82,6 +83,9 @@ struct Program {
     Text feedback_url;
     Text password;  // the current user id's site password, for the My eBay and account pages
   } main_screen;
+
+  // Objects the subsystems registered on the screen keep for the whole run.
+  std::vector<std::shared_ptr<void>> subsystems;
 
   MainForm* main = nullptr;
   SplashForm* splash = nullptr;
