@@ -134,10 +134,11 @@ void MainForm::BuildControls() {
     const char16_t* seller_field;
     const char16_t* bidder_field;
   };
-  for (const PairField& f : {PairField{u"Item_txt", u"Item", u"Item"},
+  for (const PairField& f : {PairField{u"itemno_txt", u"Item", u"Item"},
                              PairField{u"Title_txt", u"Title", u"Title"},
-                             PairField{u"Price_txt", u"Price", u"Price"},
-                             PairField{u"End_txt", u"End", u"End"},
+                             PairField{u"ctRealInput1", u"Price", u"Price"},
+                             PairField{u"start_pnl", u"Start", u"Start"},
+                             PairField{u"end_pnl", u"End", u"End"},
                              PairField{u"Id_txt", u"Id", u"Id"},
                              PairField{u"Email_txt", u"Email", u"Email"},
                              PairField{u"Name_txt", u"Name", u"Name"},
