@@ -3,6 +3,7 @@
 // the transports' completion events all work through it.
 #pragma once
 
+#include <memory>
 #include <optional>
 
 #include "core/primitives/types.h"
@@ -13,6 +14,7 @@ namespace lw {
 
 struct Program;
 class MainForm;
+struct DownloadState;
 
 // At most one job flag is set at a time: every command clears them all, then sets its own, and the
 // completion event that arrives hands the page to the parser of whichever flag it finds.
@@ -57,6 +59,9 @@ class ImportScreen {
   // is open, and kept, so the parsers' memory between lines lasts the run; the selectors, the setup
   // row's user id and the site clock offsets are read afresh from the screen on every call.
   ImportContext& Context();
+
+  // The fetch side's own state: its transports and its dialog. Made by RegisterDownload.
+  std::shared_ptr<DownloadState> download;
 
  private:
   Program* program_;

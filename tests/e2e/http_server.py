@@ -134,6 +134,11 @@ class Handler(http.server.BaseHTTPRequestHandler):
             form = urllib.parse.parse_qs(body.decode("latin-1")) if self.command == "POST" else {}
             if self.command == "POST" and "userid" in form:
                 return self.sign_in(form)
+            # The site also signs in from an address that carries the id and password.
+            if self.command == "GET" and "SignInWelcome" in query:
+                fields = urllib.parse.parse_qs(query, keep_blank_values=True)
+                if "userid" in fields and "pass" in fields:
+                    return self.sign_in(fields)
             if "SignIn" in query or cookie not in self.state.sessions:
                 return self.sign_in_page("", self.path)
 

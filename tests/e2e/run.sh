@@ -12,6 +12,9 @@
 #   NAME.2.lwd, NAME.3.lwd ...  optional: further runs in the same HOME, as the program started again;
 #                  the transcript then has a line "--- NAME.2.lwd ---" before each
 # A line "# status: N" in a script gives the exit status its run must end with (default 0).
+# A line "# server: ARGS" in the first script starts http_server.py (pages from tests/e2e/pages, ARGS
+# added) before the setup and stops it at the end; its port is in LW_E2E_PORT, and "@PORT@" in a
+# script is replaced by it.
 # With LW_E2E_UPDATE=1 in the environment the transcript replaces NAME.expected.
 set -u
 
@@ -31,7 +34,15 @@ if [[ ! -f "$expected" ]]; then
 fi
 
 work=$(mktemp -d "${TMPDIR:-/tmp}/lw-e2e-$name.XXXXXX")
-trap 'rm -rf "$work"' EXIT
+server_pid=
+cleanup() {
+  if [[ -n "$server_pid" ]]; then
+    kill "$server_pid" 2>/dev/null
+    wait "$server_pid" 2>/dev/null
+  fi
+  rm -rf "$work"
+}
+trap cleanup EXIT
 export HOME="$work/home"
 export XDG_CONFIG_HOME="$HOME/.config"
 export XDG_DATA_HOME="$HOME/.local/share"
@@ -47,6 +58,24 @@ fi
 # program reads its regional values through ICU.
 export LW_E2E_DIR="$dir"
 export LW_E2E_WORK="$work"
+
+server_line=$(grep -m1 -E '^# server:' "$script" || true)
+if [[ -n "$server_line" ]]; then
+  read -r -a server_args <<< "${server_line#\# server:}"
+  /usr/bin/python3 "$dir/http_server.py" --root "$dir/pages" --port-file "$work/port" "${server_args[@]}" \
+    > "$work/server.log" 2>&1 &
+  server_pid=$!
+  for _ in $(seq 100); do
+    [[ -s "$work/port" ]] && break
+    sleep 0.1
+  done
+  if [[ ! -s "$work/port" ]]; then
+    echo "run.sh: the test server did not start:" >&2
+    cat "$work/server.log" >&2
+    exit 1
+  fi
+  export LW_E2E_PORT=$(tr -d '\n' < "$work/port")
+fi
 
 if [[ -f "$dir/$name.setup.sh" ]]; then
   if ! (cd "$HOME" && env LC_ALL="$run_locale" bash "$dir/$name.setup.sh") > "$work/setup.log" 2>&1; then
@@ -70,7 +99,13 @@ for run in "${runs[@]}"; do
   want=0
   status_line=$(grep -m1 -E '^# status: *[0-9]+' "$run" || true)
   [[ -n "$status_line" ]] && want=${status_line##*: }
-  (cd "$HOME" && env LC_ALL="$run_locale" timeout 240 "$driver" "$run") >> "$transcript" 2> "$work/stderr"
+  if [[ -n "$server_pid" ]]; then
+    sed "s/@PORT@/$LW_E2E_PORT/g" "$run" > "$work/run.lwd"
+    run_file="$work/run.lwd"
+  else
+    run_file="$run"
+  fi
+  (cd "$HOME" && env LC_ALL="$run_locale" timeout 240 "$driver" "$run_file") >> "$transcript" 2> "$work/stderr"
   got=$?
   if [[ "$got" != "$want" ]]; then
     echo "run.sh: $(basename "$run") ended with status $got, expected $want" >&2
