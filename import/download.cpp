@@ -559,7 +559,8 @@ void download_auctions(ImportScreen& screen) {
   parse_HTML(screen.buffer, [&screen](const Text& t) { Status(screen, t); });
   Status(screen, u"Import Complete");
   if (IsSeller(screen) && IsEbay(screen) && screen.jobs.seller_dutch_pending)
-    get_seller_dutch_auctions(screen.Context(), screen.buffer);
+    RoutineOr(screen, "get_seller_dutch_auctions",
+              [&] { get_seller_dutch_auctions(screen.Context(), screen.buffer); });
 }
 
 void WebBrowser1_DocumentComplete(ImportScreen& screen) {
@@ -708,7 +709,8 @@ void manual_import(ImportScreen& screen, const Text& title, ManualParser parser)
       break;
     case ManualParser::seller_dutch:
       parse_HTML(buffer, status);
-      get_seller_dutch_auctions(screen.Context(), buffer);
+      RoutineOr(screen, "get_seller_dutch_auctions",
+                [&] { get_seller_dutch_auctions(screen.Context(), buffer); });
       break;
   }
 }
