@@ -70,10 +70,8 @@ MainForm::MainForm(Screen& screen, Program& program)
 
 void MainForm::BuildControls() {
   for (ComboBox* c : {&Auction_type_lst, &Auction_status_lst, &Userid_lst, &site_lst}) c->style = 2;
-  Auction_type_lst.OnClick = [this] { OnTypeChange(); };
-  Auction_status_lst.OnClick = [this] { CallRoutine("auction_filter"); };
+  // The type, status and site selectors are hooked by the views (RegisterViews).
   Userid_lst.OnClick = [this] { CallRoutine("change_user_id"); };
-  site_lst.OnClick = [this] { CallRoutine("auction_filter"); };
 
   auto pages = Pages();
   SSTab1.SetTabs(kPageCount);
@@ -310,14 +308,6 @@ void MainForm::OnKey(int& key_code, int) {
   key_code = 0;
   if (!SSTab1.page(page).enabled) return;
   SSTab1.SetTab(page);
-}
-
-void MainForm::OnTypeChange() {
-  CallRoutine("save_data_changed");
-  program_->view.base = IsSeller() ? u"Select * From seller " : u"Select * From bidder ";
-  change_active_buttons();
-  add_remove_listbar_icons();
-  CallRoutine("auction_filter");
 }
 
 void MainForm::OnRowChange(bool seller_side) {

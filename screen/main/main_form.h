@@ -84,7 +84,6 @@ class MainForm : public Form {
   void RegisterOwnRoutines();
   void OnListBarClick(int group, int item, int button);
   void OnKey(int& key_code, int shift);
-  void OnTypeChange();
   void OnRowChange(bool seller_side);
   void RestoreGridWidths(Grid& grid, const char16_t* section);
   void ApplyColours();

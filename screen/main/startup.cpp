@@ -315,7 +315,10 @@ void MainForm::import_ini_file() {
     p.view.base = u"Select * From seller ";
     p.view.tail = u" order by end desc ";
     p.view.condition = u"where Completed = no and username = '" + userid + u"' and site = '" + site + u"'";
+    // The default view keeps its own condition: the status shown is not chosen by the user here.
+    p.main_screen.settling = true;
     ResumeNext(u, [&] { Auction_status_lst.SetText(u"All Auctions"); });
+    p.main_screen.settling = false;
     seller.RecordSource = p.view.base + p.view.condition + p.view.tail;
     ResumeNext(u, [&] { seller.Refresh(); });
   } else {
