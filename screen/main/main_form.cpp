@@ -98,10 +98,9 @@ void MainForm::BuildControls() {
   Add<ComboBox>(u"compare_lst").style = 2;
   Add(ControlKind::TextBox, u"Filter_value_txt");
   Add<ComboBox>(u"duration_lst").style = 2;
-  Add<ComboBox>(u"backup_interval_lst").style = 2;
+  Add<ComboBox>(u"backup_lst").style = 2;
   Add(ControlKind::DateEdit, u"report_start_date");
   Add(ControlKind::DateEdit, u"report_end_date");
-  Add(ControlKind::CheckBox, u"esmtp_chk");
   Add(ControlKind::TextBox, u"schedule_time_txt");
   Add(ControlKind::TextBox, u"schedule_day_txt");
   Add(ControlKind::TextBox, u"schedule_month_txt");
@@ -109,13 +108,12 @@ void MainForm::BuildControls() {
   for (int i = 0; i < 3; ++i) {
     static const char16_t* kSetupButtons[] = {u"Save Settings and Exit Setup", u"Set Mail Password",
                                               u"Cancel"};
+    static const char* kSetupRoutines[] = {"save_setup_settings", "set_mail_password", "cancel_setup"};
     Control& b = Add(ControlKind::Button, u"setup_btn", i);
     b.SetCaption(kSetupButtons[i]);
-    b.OnClick = [this, i] {
-      if (i == 1) return RunCommand("set_mail_password");
-      CallRoutine(i == 0 ? "save_setup_settings" : "cancel_setup");
-      enable_tabs();
-    };
+    // The routines decide whether the page may be left: a refused save or cancel stays on it.
+    std::string routine = kSetupRoutines[i];
+    b.OnClick = [this, routine] { RunCommand(routine); };
   }
 
   // Each field that differs between the sides exists twice: index 0 on seller, index 1 on Bidder.
@@ -489,7 +487,12 @@ void MainForm::tab_refresh() {
         setup_datacontrl.Refresh();
         if (!setup_datacontrl.recordset().Eof()) {
           Variant v = setup_datacontrl.recordset().Fields(u"mailconnecttype");
-          Find(u"esmtp_chk")->SetValue(v.number() && *v.number() != 0 ? 1 : 0);
+          // Showing the stored choice is not the user switching the box on: its warning stays quiet.
+          Control& esmtp = Get(u"setup_chk", 1);
+          auto handler = std::move(esmtp.OnClick);
+          esmtp.OnClick = nullptr;
+          esmtp.SetValue(v.number() && *v.number() == 2 ? 1 : 0);
+          esmtp.OnClick = std::move(handler);
         }
       } catch (const RuntimeError& e) {
         SetStatus(FromUtf8(e.description()));

@@ -4,6 +4,7 @@
 
 #include "core/primitives/encoding.h"
 #include "screen/main/main_form.h"
+#include "screen/main/userids_rules.h"
 
 namespace lw {
 
@@ -46,6 +47,14 @@ WizardForm::WizardForm(Screen& screen, Program& program)
   for (int i = 0; i < 7; ++i) {
     Add(ControlKind::Label, u"wizard_lbl", i).SetCaption(kFields[i]);
     Add(ControlKind::TextBox, u"wizard_txt", i);
+  }
+  // The user id and password are kept lower-case and trimmed, as the site compares them.
+  for (int i : {0, 1}) {
+    Control& t = Get(u"wizard_txt", i);
+    t.OnLostFocus = [&t] {
+      Text clean = CleanCredential(t.text());
+      if (clean != t.text()) t.SetText(clean);
+    };
   }
   savebtn.SetCaption(u"Save and Exit");
   // What the wizard saves is its own routine; without it the button only closes the form.

@@ -155,7 +155,7 @@ void MainForm::FillFixedLists() {
   for (const char16_t* d : {u"3", u"5", u"7", u"10"}) duration.AddItem(d);
   for (const char16_t* s : kSellerStatuses) Auction_status_lst.AddItem(s);
   site_lst.AddItem(u"eBay");
-  auto& backup = Get<ComboBox>(u"backup_interval_lst");
+  auto& backup = Get<ComboBox>(u"backup_lst");
   for (const char16_t* b : kBackupIntervals) backup.AddItem(b);
   long every = SettingNumber(p.settings, kDb, u"Backupevery", u"0");
   ResumeNext(ui(), [&] {
@@ -379,7 +379,7 @@ void MainForm::exit_program() {
   Program& p = *program_;
   Ui& u = ui();
   ResumeNext(u, [&] { save_user_settings(); });
-  int index = Get<ComboBox>(u"backup_interval_lst").list_index();
+  int index = Get<ComboBox>(u"backup_lst").list_index();
   int days = BackupIntervalDays(index < 0 ? 0 : index);
   Date today = p.clock.Today();
   Text stored =
