@@ -168,7 +168,10 @@ void MainForm::FillFixedLists() {
   Auction_type_lst.OnClick = nullptr;
   Auction_type_lst.SetListIndex(0);
   Auction_type_lst.OnClick = std::move(handler);
+  // Nor the site's: the view is built once the user id and the saved view are known.
+  program_->main_screen.settling = true;
   site_lst.SetListIndex(0);
+  program_->main_screen.settling = false;
 }
 
 void MainForm::RestoreGridWidths(Grid& grid, const char16_t* section) {

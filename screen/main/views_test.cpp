@@ -167,5 +167,30 @@ TEST_F(ViewsTest, AFailedStatementLeavesTheFormerView) {
   EXPECT_NE(seller_view, shown);  // the title sort stayed in force on the way back
 }
 
+TEST_F(ViewsTest, ViewChangesLeaveTheBrowserPageAndKeepTheOthers) {
+  MainForm& m = main();
+  m.SSTab1.SetTab(kBrowserPage);
+  m.Auction_status_lst.SetText(kEndedInProgress);
+  EXPECT_EQ(m.SSTab1.tab(), 0);
+  EXPECT_EQ(m.status(), u"Records Returned: 1");
+  m.SSTab1.SetTab(2);
+  m.Auction_status_lst.SetText(kInProgress);
+  EXPECT_EQ(m.SSTab1.tab(), 2);
+  // A change of type always goes back to the first page, and the filter box's handler waits while
+  // code clears it for a change of site.
+  m.Auction_type_lst.SetText(u"Bidder");
+  EXPECT_EQ(m.SSTab1.tab(), 0);
+  m.Get<ComboBox>(u"field_lst").SetText(u"Title");
+  m.Get<ComboBox>(u"compare_lst").SetText(u"like");
+  m.Find(u"Filter_value_txt")->SetText(u"B");
+  m.Find(u"Apply_flt_chk")->SetValue(1);
+  EXPECT_EQ(program_->view.condition, u"where Title like '*B*' and username = 'ann' and site = 'eBay'");
+  m.site_lst.OnClick();
+  EXPECT_EQ(m.Find(u"Apply_flt_chk")->value(), 0);
+  EXPECT_EQ(m.Auction_status_lst.text(), kInProgress);
+  EXPECT_EQ(program_->view.condition,
+            u"where watching = no and Completed = no and username = 'ann' and site = 'eBay'");
+}
+
 }  // namespace
 }  // namespace lw
