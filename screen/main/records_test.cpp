@@ -73,6 +73,14 @@ TEST_F(RecordsTest, AddNewAuctionLeavesTheUserOnTheNewRow) {
   main().seller.UpdateRecord();
   EXPECT_EQ(Number(u"select quantity from seller where title = 'Typed title'"), 1);
   EXPECT_EQ(Number(u"select count(*) from seller where title = 'Sample Auction' and quantity = 1"), 1);
+
+  // Again with the status already on unsubmitted auctions: the view is rebuilt all the same.
+  Run("add_new_auction");
+  main().Get(u"Title_txt", 0).SetText(u"Second title");
+  main().seller.UpdateRecord();
+  EXPECT_EQ(Number(u"select count(*) from seller where title = 'Second title' and quantity = 1"), 1);
+  EXPECT_EQ(main().seller.RecordSource, program_->view.base + program_->view.condition + program_->view.tail);
+  EXPECT_EQ(main().seller.recordset().RecordCount(), 3);
 }
 
 TEST_F(RecordsTest, MenuDeleteTakesTheLastRowAndShowsTheEmptyView) {
