@@ -54,6 +54,10 @@ class ImportScreen {
   ImportJobs jobs;
   // The page being imported.
   FileDisplay buffer;
+  // The member e-mail page that asked for a sign-in, asked for again after it by the same user.
+  Text email_page_url;
+  // The item of the Dutch auction or Store Sale whose buyers are being imported.
+  Text dutch_item;
 
   // The context over the main form's `seller` and `Bidder` cursors. Built at first use, once the store
   // is open, and kept, so the parsers' memory between lines lasts the run; the selectors, the setup
