@@ -93,7 +93,11 @@ Text Number(long n) {
 
 void UseridScreen::BuildSetupPage() {
   MainForm& f = form_;
+  // Everything of the page sits in one frame, shown only while the Setup page is the one in use.
+  Control& whole = f.Add(ControlKind::Frame, u"setup_page_fra");
+  whole.SetVisible(f.SSTab1.tab() == kSetupPage);
   TabStrip& tabs = f.Add<TabStrip>(u"setup_tabs");
+  tabs.SetContainer(&whole);
   tabs.SetTabs(5);
   Control* pages[5];
   for (int i = 0; i < 5; ++i) {
@@ -101,7 +105,10 @@ void UseridScreen::BuildSetupPage() {
     pages[i] = &f.Add(ControlKind::Frame, u"setup_fra", i);
     pages[i]->SetCaption(kSubPages[i]);
     pages[i]->SetVisible(i == 0);
+    pages[i]->SetContainer(&whole);
   }
+  f.Get(u"setup_btn", 0).SetContainer(&whole);
+  f.Get(u"setup_btn", 2).SetContainer(&whole);
   tabs.OnTabClick = [this, pages](int) {
     for (int i = 0; i < 5; ++i) pages[i]->SetVisible(i == form_.Get<TabStrip>(u"setup_tabs").tab());
   };
@@ -153,7 +160,8 @@ void UseridScreen::BuildSetupPage() {
 
   // Entering the page shows the colours in use and a mail logon that is filled in.
   auto entered = std::move(f.SSTab1.OnTabClick);
-  f.SSTab1.OnTabClick = [this, entered](int left) {
+  f.SSTab1.OnTabClick = [this, entered, &whole](int left) {
+    whole.SetVisible(form_.SSTab1.tab() == kSetupPage);
     if (entered) entered(left);
     if (form_.SSTab1.tab() != kSetupPage) return;
     ShowColours();

@@ -373,6 +373,18 @@ TEST_F(UseridTest, SaveWritesMiscSettingsAndColours) {
   EXPECT_EQ(s.GetSetting(u"Lotwright", u"Screen", u"Evengrid", u""), u"13891814");
   EXPECT_EQ(s.GetSetting(u"Lotwright", u"Screen", u"Listbar", u""), u"65280");
 
+  // The placeholders of an empty page: field 6 is the import host, the mail server stays as it is.
+  main().SSTab1.UserTab(kSetupPage);
+  Text smtp = field(7).text();
+  program_->routines.Call("set_default_options");
+  EXPECT_EQ(field(0).text(), u"Your Username here");
+  EXPECT_EQ(field(6).text(), u"mail.yourmailserver.com");
+  EXPECT_EQ(field(7).text(), smtp);
+  EXPECT_EQ(field(22).text(), u"0");
+  Click(u"setup_btn", 2);
+  EXPECT_EQ(field(0).text(), u"jan");                     // cancelled: the row is shown again
+  EXPECT_FALSE(main().Get(u"setup_txt", 3).Reachable());  // the page's fields go with the page
+
   // Cancel drops what the page holds; the credentials are cleaned when clicked.
   main().SSTab1.UserTab(kSetupPage);
   main().Get<TabStrip>(u"setup_tabs").UserTab(0);
