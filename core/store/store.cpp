@@ -183,6 +183,13 @@ bool SameName(TextView a, TextView b) {
 
 // ---------------------------------------------------------------------------------------------------
 
+// A statement ready to run: its translation, shared by every statement of the same shape, and the values
+// of this statement's own text literals.
+struct Prepared {
+  std::shared_ptr<const Translation> tr;
+  std::vector<SqlValue> literals;
+};
+
 struct StoreState {
   sqlite3* db = nullptr;
   std::filesystem::path path;
@@ -211,14 +218,30 @@ struct StoreState {
 
   store::TranslateContext Context() const { return store::TranslateContext{schema, regional}; }
 
-  std::shared_ptr<const Translation> Translate(TextView sql) {
-    Text key(sql);
-    auto it = translations.find(key);
-    if (it != translations.end()) return it->second;
-    auto tr = std::make_shared<const Translation>(store::Translate(sql, Context()));
-    if (translations.size() >= kTranslationCacheLimit) translations.clear();
-    translations.emplace(std::move(key), tr);
-    return tr;
+  // Statements that differ only in their text literals (the import's lookups, one per auction) share a
+  // translation: it is cached under the statement with its literals cut out, and only the literals'
+  // conversions are made again for each statement.
+  Prepared Translate(TextView sql) {
+    store::LiftedStatement lifted;
+    if (!store::LiftLiterals(sql, &lifted)) return Prepared{Whole(sql), {}};
+    auto it = translations.find(lifted.skeleton);
+    std::shared_ptr<const Translation> tr;
+    if (it != translations.end()) {
+      tr = it->second;
+    } else {
+      tr = std::make_shared<const Translation>(store::TranslateLifted(sql, Context()));
+      // The translator and the cutter agree on the literals; should they ever not, the statement is
+      // translated whole rather than bound with the wrong values.
+      if (tr->literal_count != lifted.literals.size()) return Prepared{Whole(sql), {}};
+      if (translations.size() >= kTranslationCacheLimit) translations.clear();
+      translations.emplace(std::move(lifted.skeleton), tr);
+    }
+    return Prepared{tr, store::ConvertLiterals(*tr, lifted.literals, Context())};
+  }
+
+  // A translation with every value in place, uncached.
+  std::shared_ptr<const Translation> Whole(TextView sql) {
+    return std::make_shared<const Translation>(store::Translate(sql, Context()));
   }
 
   std::shared_ptr<const store::Fragment> Criteria(const Text& query, TextView crit, const Translation& tr) {
@@ -266,12 +289,20 @@ class StatementUse {
   }
   sqlite3_stmt* get() const { return st_; }
 
-  void Bind(const std::vector<SqlValue>& values) {
-    for (const auto& v : values) BindOne(v);
+  // Binds parameters in order; a lifted literal takes its value from `literals`.
+  void Bind(const std::vector<SqlValue>& values, const std::vector<SqlValue>& literals) {
+    for (const auto& v : values) {
+      if (auto* ref = std::get_if<store::LiteralRef>(&v))
+        BindOne(literals.at(ref->conversion));
+      else
+        BindOne(v);
+    }
   }
   void BindOne(const SqlValue& v) {
     int i = ++next_;
     int rc = SQLITE_OK;
+    if (std::holds_alternative<store::LiteralRef>(v))
+      Fail(err::kEngineFailure, "Internal error: a statement parameter has no value");
     if (auto* n = std::get_if<int64_t>(&v))
       rc = sqlite3_bind_int64(st_, i, *n);
     else if (auto* d = std::get_if<double>(&v))
@@ -355,11 +386,12 @@ std::unique_ptr<Database> Database::OpenDatabase(const std::filesystem::path& pa
 }
 
 void Database::Execute(TextView sql) {
-  auto tr = state_->Translate(sql);
+  Prepared p = state_->Translate(sql);
+  const Translation* tr = p.tr.get();
   if (tr->type == Translation::Type::Select)
     Fail(kCannotExecuteSelect, "Cannot execute a select query: '" + ToUtf8(sql) + "'");
   StatementUse q(*state_, tr->change.sql);
-  q.Bind(tr->change.params);
+  q.Bind(tr->change.params, p.literals);
   q.Step();
   state_->affected = sqlite3_changes64(state_->db);
 }
@@ -393,6 +425,7 @@ const Regional& Database::regional() const {
 struct Recordset::Impl {
   std::shared_ptr<StoreState> st;
   std::shared_ptr<const Translation> tr;
+  std::vector<SqlValue> literals;  // values of the statement's own text literals
   Text statement;
   size_t stride = 1;                       // keys per row: one rowid per table
   std::vector<int64_t> keys;               // keyed cursors
@@ -421,14 +454,14 @@ struct Recordset::Impl {
     if (keyed()) {
       stride = tr->tables.size();
       StatementUse q(*st, tr->keys.sql);
-      q.Bind(tr->keys.params);
+      q.Bind(tr->keys.params, literals);
       while (q.Step())
         for (size_t i = 0; i < stride; ++i)
           keys.push_back(sqlite3_column_int64(q.get(), static_cast<int>(i)));
       count = static_cast<int64_t>(keys.size() / stride);
     } else {
       StatementUse q(*st, tr->full.sql);
-      q.Bind(tr->full.params);
+      q.Bind(tr->full.params, literals);
       while (q.Step()) {
         std::vector<Variant> row;
         for (size_t i = 0; i < tr->outputs.size(); ++i)
@@ -444,19 +477,13 @@ struct Recordset::Impl {
   bool Eof() const { return count == 0 || pos >= count; }
   bool Bof() const { return count == 0 || pos < 0; }
 
-  std::string RowSql() const {
-    std::string sql = "SELECT " + tr->select_sql + " FROM " + tr->from_sql + " WHERE ";
-    for (size_t t = 0; t < stride; ++t) sql += (t ? " AND \"t" : "\"t") + std::to_string(t) + "\".rowid = ?";
-    return sql;
-  }
-
   const std::vector<Variant>& Current() const {
     if (on_deleted) Fail(kRecordDeleted, "Record is deleted.");
     if (Eof() || Bof()) Fail(err::kNoCurrentRecord, "No current record.");
     if (!keyed()) return rows[static_cast<size_t>(pos)];
     if (cached_pos == pos) return cached;
-    StatementUse q(*st, RowSql());
-    q.Bind(tr->select_params);
+    StatementUse q(*st, tr->row_sql);
+    q.Bind(tr->select_params, literals);
     for (size_t t = 0; t < stride; ++t) q.BindOne(keys[static_cast<size_t>(pos) * stride + t]);
     if (!q.Step()) Fail(kRecordDeleted, "Record is deleted.");
     cached.clear();
@@ -514,7 +541,9 @@ Recordset::~Recordset() = default;
 std::unique_ptr<Recordset> Database::OpenRecordset(TextView sql) {
   auto impl = std::make_unique<Recordset::Impl>();
   impl->st = state_;
-  impl->tr = state_->Translate(sql);
+  Prepared p = state_->Translate(sql);
+  impl->tr = std::move(p.tr);
+  impl->literals = std::move(p.literals);
   if (impl->tr->type != Translation::Type::Select)
     Fail(kInvalidOperation, "Invalid operation: a cursor needs a query, not '" + ToUtf8(sql) + "'");
   impl->statement = Text(sql);
@@ -621,7 +650,7 @@ void Recordset::Impl::Find(TextView criteria, int64_t from) {
   std::set<std::vector<int64_t>> found;
   {
     StatementUse q(*m.st, sql);
-    q.Bind(params);
+    q.Bind(params, m.literals);
     while (q.Step()) {
       std::vector<int64_t> key(m.stride);
       for (size_t t = 0; t < m.stride; ++t) key[t] = sqlite3_column_int64(q.get(), static_cast<int>(t));
@@ -728,7 +757,7 @@ void Recordset::Update() {
       sql += " (" + names + ") VALUES (" + marks + ")";
     }
     StatementUse q(*m.st, sql);
-    q.Bind(values);
+    for (const auto& v : values) q.BindOne(v);
     q.Step();
     int64_t rowid = sqlite3_last_insert_rowid(m.st->db);
     // The new row joins the end of the cursor, where MoveLast finds it; the current row stays.
@@ -746,7 +775,7 @@ void Recordset::Update() {
       for (size_t i = 0; i < columns.size(); ++i) sql += (i ? ", " : "") + columns[i] + " = ?";
       sql += " WHERE rowid = ?";
       StatementUse q(*m.st, sql);
-      q.Bind(values);
+      for (const auto& v : values) q.BindOne(v);
       q.BindOne(m.keys[static_cast<size_t>(m.pos)]);
       q.Step();
       if (sqlite3_changes64(m.st->db) == 0) {

@@ -62,11 +62,13 @@ struct Token {
   Text text;  // identifier, literal contents, operator
   size_t pos = 0;
   bool bracketed = false;  // [identifier]: never a keyword
+  int literal = -1;        // text literals: their number in the statement, from 0
 };
 
-std::vector<Token> Tokenise(TextView s) {
+std::vector<Token> Tokenise(TextView s, int* literal_count) {
   std::vector<Token> out;
   size_t i = 0;
+  *literal_count = 0;
   while (true) {
     while (i < s.size() && IsBlank(s[i])) ++i;
     Token t;
@@ -134,6 +136,7 @@ std::vector<Token> Tokenise(TextView s) {
                  std::to_string(i + 1));
       t.type = Tok::String;
       t.text = std::move(value);
+      t.literal = (*literal_count)++;
       i = j + 1;
     } else if (c == u'#') {
       size_t j = s.find(u'#', i + 1);
@@ -201,6 +204,7 @@ struct Node {
   Text table;  // qualifier of a column
   double num = 0;
   bool flag = false;  // bool literal value; negated IS/LIKE/BETWEEN/IN
+  int literal = -1;   // text literal: its number in the statement
   std::vector<NodePtr> kids;
   size_t pos = 0;
   int depth = 1;  // height of the tree below, bounded so that emitting it cannot exhaust the stack
@@ -253,7 +257,9 @@ struct Statement {
 
 class Parser {
  public:
-  explicit Parser(TextView text) : text_(text), toks_(Tokenise(text)) {}
+  explicit Parser(TextView text) : text_(text), toks_(Tokenise(text, &literal_count_)) {}
+
+  int literal_count() const { return literal_count_; }
 
   Statement ParseStatement() {
     Statement st;
@@ -594,6 +600,7 @@ class Parser {
       }
       case Tok::String: {
         auto n = MakeNode(Node::StrLit, pos);
+        n->literal = t.literal;
         n->text = Next().text;
         return n;
       }
@@ -658,6 +665,7 @@ class Parser {
   }
 
   TextView text_;
+  int literal_count_ = 0;
   std::vector<Token> toks_;
   size_t i_ = 0;
   int depth_ = 0;
@@ -700,6 +708,46 @@ bool IsLiteral(const Node& n) {
   }
 }
 
+// What a text literal becomes where it meets a value of the kind `hint`: dates and money under the
+// locale, yes/no from its words or its number, anything else stays text.
+SqlValue ConvertTextLiteral(const Text& text, Kind hint, const Regional& regional) {
+  try {
+    switch (hint) {
+      case Kind::Date:
+        return CDate(Variant(text), regional).serial;
+      case Kind::Money:
+        return CCur(Variant(text), regional).scaled();
+      case Kind::Number:
+        return CDbl(Variant(text), regional);
+      case Kind::Bool:
+        if (SameName(text, u"true") || SameName(text, u"yes") || SameName(text, u"on")) return int64_t{-1};
+        if (SameName(text, u"false") || SameName(text, u"no") || SameName(text, u"off")) return int64_t{0};
+        return int64_t{CDbl(Variant(text), regional) != 0 ? -1 : 0};
+      case Kind::Null:
+      case Kind::Text:
+        break;
+    }
+  } catch (const RuntimeError&) {
+    Fail(err::kCriteriaTypeMismatch,
+         "Data type mismatch in criteria expression ('" + ToUtf8(text) + "' is not a valid value here)");
+  }
+  return ToUtf8(text);
+}
+
+Kind TextLiteralKind(Kind hint) {
+  switch (hint) {
+    case Kind::Date:
+    case Kind::Money:
+    case Kind::Number:
+    case Kind::Bool:
+      return hint;
+    case Kind::Null:
+    case Kind::Text:
+      break;
+  }
+  return Kind::Text;
+}
+
 class Emitter {
  public:
   Emitter(const TranslateContext& ctx, std::vector<const TableInfo*> tables)
@@ -707,6 +755,8 @@ class Emitter {
 
   const std::vector<const TableInfo*>& tables() const { return tables_; }
   bool allow_aggregates = false;
+  // Where text literals are lifted out: their conversions, in the order they are met.
+  std::vector<LiteralConversion>* lifted = nullptr;
 
   static std::string Alias(size_t i) { return "\"t" + std::to_string(i) + "\""; }
 
@@ -783,48 +833,25 @@ class Emitter {
         }
         return t;
       case Node::StrLit:
-        return TextLiteral(n.text, hint);
+        return TextLiteral(n, hint);
       default:
         return Emit(n);
     }
   }
 
-  // Rules of conversion for a text literal meeting a column: dates and money under the locale.
-  Typed TextLiteral(const Text& text, Kind hint) {
+  // A text literal meeting a value of the kind `hint`. Its conversion is made even when the literal is
+  // lifted out, so that a literal that does not fit fails here as it would anywhere.
+  Typed TextLiteral(const Node& n, Kind hint) {
     Typed t;
     t.sql = "?";
-    t.kind = hint;
-    try {
-      switch (hint) {
-        case Kind::Date:
-          t.params.push_back(CDate(Variant(text), ctx_.regional).serial);
-          return t;
-        case Kind::Money:
-          t.params.push_back(CCur(Variant(text), ctx_.regional).scaled());
-          return t;
-        case Kind::Number:
-          t.params.push_back(CDbl(Variant(text), ctx_.regional));
-          return t;
-        case Kind::Bool: {
-          if (SameName(text, u"true") || SameName(text, u"yes") || SameName(text, u"on")) {
-            t.params.push_back(int64_t{-1});
-          } else if (SameName(text, u"false") || SameName(text, u"no") || SameName(text, u"off")) {
-            t.params.push_back(int64_t{0});
-          } else {
-            t.params.push_back(int64_t{CDbl(Variant(text), ctx_.regional) != 0 ? -1 : 0});
-          }
-          return t;
-        }
-        case Kind::Null:
-        case Kind::Text:
-          break;
-      }
-    } catch (const RuntimeError&) {
-      Fail(err::kCriteriaTypeMismatch,
-           "Data type mismatch in criteria expression ('" + ToUtf8(text) + "' is not a valid value here)");
+    t.kind = TextLiteralKind(hint);
+    SqlValue value = ConvertTextLiteral(n.text, hint, ctx_.regional);
+    if (lifted && n.literal >= 0) {
+      t.params.push_back(LiteralRef{static_cast<uint32_t>(lifted->size())});
+      lifted->push_back(LiteralConversion{static_cast<uint32_t>(n.literal), hint});
+    } else {
+      t.params.push_back(std::move(value));
     }
-    t.kind = Kind::Text;
-    t.params.push_back(ToUtf8(text));
     return t;
   }
 
@@ -1186,11 +1213,13 @@ void AppendFragment(Fragment* f, const std::string& sql, const std::vector<SqlVa
   f->params.insert(f->params.end(), params.begin(), params.end());
 }
 
-Translation TranslateSelect(Statement& st, const TranslateContext& ctx) {
+Translation TranslateSelect(Statement& st, const TranslateContext& ctx,
+                            std::vector<LiteralConversion>* lifted) {
   Translation tr;
   tr.type = Translation::Type::Select;
   for (auto& ref : st.from) tr.tables.push_back(FindTable(ctx, ref));
   Emitter em(ctx, tr.tables);
+  em.lifted = lifted;
 
   // Output columns; over a join a name two tables share is given with its table.
   struct Out {
@@ -1327,16 +1356,21 @@ Translation TranslateSelect(Statement& st, const TranslateContext& ctx) {
     if (!where.sql.empty()) AppendFragment(&tr.keys, " WHERE " + where.sql, where.params);
     AppendFragment(&tr.keys, " ORDER BY " + (order.sql.empty() ? "" : order.sql + ", ") + tr.rowid_sql,
                    order.params);
+    tr.row_sql = "SELECT " + tr.select_sql + " FROM " + from + " WHERE ";
+    for (size_t t = 0; t < tr.tables.size(); ++t)
+      tr.row_sql += (t ? " AND " : "") + Emitter::Alias(t) + ".rowid = ?";
   }
   return tr;
 }
 
-Translation TranslateChange(Statement& st, const TranslateContext& ctx) {
+Translation TranslateChange(Statement& st, const TranslateContext& ctx,
+                            std::vector<LiteralConversion>* lifted) {
   Translation tr;
   tr.type = st.type;
   const TableInfo* table = FindTable(ctx, st.from[0]);
   tr.tables.push_back(table);
   Emitter em(ctx, tr.tables);
+  em.lifted = lifted;
   std::string target = QuoteIdent(table->name) + " AS " + Emitter::Alias(0);
   Fragment& f = tr.change;
   if (st.type == Translation::Type::Delete) {
@@ -1371,6 +1405,20 @@ Translation TranslateChange(Statement& st, const TranslateContext& ctx) {
   if (st.where) {
     Typed w = Emitter::AsCond(em.Emit(*st.where));
     AppendFragment(&f, " WHERE " + w.sql, w.params);
+  }
+  return tr;
+}
+
+Translation TranslateStatement(TextView statement, const TranslateContext& context, bool lift) {
+  Parser parser(statement);
+  Statement st = parser.ParseStatement();
+  std::vector<LiteralConversion> conversions;
+  std::vector<LiteralConversion>* lifted = lift ? &conversions : nullptr;
+  Translation tr = st.type == Translation::Type::Select ? TranslateSelect(st, context, lifted)
+                                                        : TranslateChange(st, context, lifted);
+  if (lift) {
+    tr.literal_count = static_cast<size_t>(parser.literal_count());
+    tr.conversions = std::move(conversions);
   }
   return tr;
 }
@@ -1415,10 +1463,67 @@ std::string QuoteIdent(TextView name) {
 }
 
 Translation Translate(TextView statement, const TranslateContext& context) {
-  Parser parser(statement);
-  Statement st = parser.ParseStatement();
-  if (st.type == Translation::Type::Select) return TranslateSelect(st, context);
-  return TranslateChange(st, context);
+  return TranslateStatement(statement, context, false);
+}
+
+Translation TranslateLifted(TextView statement, const TranslateContext& context) {
+  return TranslateStatement(statement, context, true);
+}
+
+bool LiftLiterals(TextView s, LiftedStatement* out) {
+  // The marker cannot stand outside a literal, a date or a bracketed name of a statement that
+  // translates, so a skeleton never reads as another statement's.
+  constexpr char16_t kMarker = u'\x01';
+  out->skeleton.clear();
+  out->literals.clear();
+  out->skeleton.reserve(s.size());
+  // The tokeniser meets quotes, brackets and dates only where a token starts, and nothing but these
+  // three can hold such characters, so walking them alone cuts the literals exactly where it does.
+  size_t i = 0;
+  while (i < s.size()) {
+    const char16_t c = s[i];
+    if (c == u'[' || c == u'#') {
+      const size_t j = s.find(c == u'[' ? u']' : u'#', i + 1);
+      if (j == TextView::npos || (c == u'[' && j == i + 1)) return false;
+      out->skeleton.append(s.substr(i, j + 1 - i));
+      i = j + 1;
+    } else if (c == u'\'' || c == u'"') {
+      Text value;
+      size_t j = i + 1;
+      bool closed = false;
+      while (j < s.size()) {
+        if (s[j] == c) {
+          if (j + 1 < s.size() && s[j + 1] == c) {
+            value.push_back(c);
+            j += 2;
+            continue;
+          }
+          closed = true;
+          break;
+        }
+        value.push_back(s[j++]);
+      }
+      if (!closed) return false;
+      out->literals.push_back(std::move(value));
+      out->skeleton.push_back(kMarker);
+      i = j + 1;
+    } else if (c == kMarker) {
+      return false;
+    } else {
+      out->skeleton.push_back(c);
+      ++i;
+    }
+  }
+  return true;
+}
+
+std::vector<SqlValue> ConvertLiterals(const Translation& translation, const std::vector<Text>& literals,
+                                      const TranslateContext& context) {
+  std::vector<SqlValue> values;
+  values.reserve(translation.conversions.size());
+  for (const auto& c : translation.conversions)
+    values.push_back(ConvertTextLiteral(literals.at(c.literal), c.hint, context.regional));
+  return values;
 }
 
 Fragment TranslateCriteria(TextView criteria, const std::vector<const TableInfo*>& tables,

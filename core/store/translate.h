@@ -37,8 +37,23 @@ struct Schema {
   const TableInfo* Find(TextView table) const;
 };
 
+// A text literal of the statement, lifted out so that one translation serves every statement that
+// differs from it only in its text literals. It stands for conversion number `conversion` of the
+// translation, whose value the store works out for each statement before it binds the parameters.
+struct LiteralRef {
+  uint32_t conversion = 0;
+  friend bool operator==(LiteralRef, LiteralRef) = default;
+};
+
 // A value bound to a parameter.
-using SqlValue = std::variant<std::monostate, int64_t, double, std::string>;
+using SqlValue = std::variant<std::monostate, int64_t, double, std::string, LiteralRef>;
+
+// How a lifted text literal becomes a parameter: literal number `literal` (from 0, in the order of the
+// statement) read as a value of the kind it meets.
+struct LiteralConversion {
+  uint32_t literal = 0;
+  Kind hint = Kind::Null;
+};
 
 struct Fragment {
   std::string sql;
@@ -69,6 +84,12 @@ struct Translation {
   std::string select_sql;  // select list (parameters in select_params)
   std::vector<SqlValue> select_params;
   std::string rowid_sql;  // "t0".rowid, "t1".rowid ...
+  std::string row_sql;    // one row by its keys: select list, then one rowid parameter per table
+
+  // Made by TranslateLifted: the text literals the statement holds and, in the order the translator
+  // met them, how each LiteralRef among the parameters is worked out from them.
+  size_t literal_count = 0;
+  std::vector<LiteralConversion> conversions;
 
   bool updatable() const { return type == Type::Select && !aggregate && tables.size() == 1; }
 };
@@ -81,6 +102,26 @@ struct TranslateContext {
 // Translates a whole statement. Raises RuntimeError (3075 malformed, 3061 unknown name, 3079 ambiguous
 // name, 3085 unknown function, 3464 a literal that does not fit its column, 3346 value count mismatch).
 Translation Translate(TextView statement, const TranslateContext& context);
+
+// The same translation with every text literal left as a LiteralRef; it raises exactly what Translate
+// raises for the statement.
+Translation TranslateLifted(TextView statement, const TranslateContext& context);
+
+// A statement cut at its text literals: `skeleton` is the statement with each literal replaced by one
+// marker character, `literals` holds their contents (quotes undoubled) in order. Two statements with the
+// same skeleton tokenise alike except for the literals' contents. False when the statement cannot be cut
+// reliably (an unterminated literal, date or bracketed name, or the marker itself outside them); such a
+// statement is translated whole.
+struct LiftedStatement {
+  Text skeleton;
+  std::vector<Text> literals;
+};
+bool LiftLiterals(TextView statement, LiftedStatement* out);
+
+// The parameter values of a lifted translation for the given literals, in conversion order. Raises the
+// error the translator raises for a literal that does not fit the kind it meets (3464).
+std::vector<SqlValue> ConvertLiterals(const Translation& translation, const std::vector<Text>& literals,
+                                      const TranslateContext& context);
 
 // Translates a condition (FindFirst criteria) over the tables of a query; the result is a condition in
 // SQLite form with its parameters.

@@ -69,6 +69,44 @@ struct Fixture {
 
 }  // namespace
 
+// Parameters of a lifted translation with its literals' values put in.
+std::vector<SqlValue> Resolved(const std::vector<SqlValue>& params, const std::vector<SqlValue>& values) {
+  std::vector<SqlValue> out;
+  for (const auto& p : params) {
+    const auto* ref = std::get_if<LiteralRef>(&p);
+    Check(!ref || ref->conversion < values.size());
+    out.push_back(ref ? values[ref->conversion] : p);
+  }
+  return out;
+}
+
+bool SameFragment(const Fragment& lifted, const std::vector<SqlValue>& values, const Fragment& whole) {
+  return lifted.sql == whole.sql && Resolved(lifted.params, values) == whole.params;
+}
+
+// A statement whose text literals are lifted out must translate exactly as it does whole, and fail with
+// the same error.
+void CheckLifted(const lw::Text& text, const TranslateContext& ctx, const Translation* whole,
+                 const std::string& error) {
+  LiftedStatement cut;
+  if (!LiftLiterals(text, &cut)) {
+    Check(whole == nullptr);
+    return;
+  }
+  try {
+    Translation lifted = TranslateLifted(text, ctx);
+    std::vector<SqlValue> values = ConvertLiterals(lifted, cut.literals, ctx);
+    Check(whole != nullptr && lifted.literal_count == cut.literals.size());
+    Check(SameFragment(lifted.change, values, whole->change) &&
+          SameFragment(lifted.full, values, whole->full) && SameFragment(lifted.keys, values, whole->keys) &&
+          SameFragment(lifted.where, values, whole->where));
+    Check(lifted.select_sql == whole->select_sql &&
+          Resolved(lifted.select_params, values) == whole->select_params);
+  } catch (const lw::RuntimeError& e) {
+    Check(whole == nullptr && std::to_string(e.number()) + e.description() == error);
+  }
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static Fixture fx;
   if (size > 4096) return 0;
@@ -83,8 +121,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     } else {
       fx.MustPrepare(tr.change);
     }
+    CheckLifted(text, ctx, &tr, "");
   } catch (const lw::RuntimeError& e) {
     Check(e.number() > 0);
+    CheckLifted(text, ctx, nullptr, std::to_string(e.number()) + e.description());
   }
   try {
     std::vector<const TableInfo*> tables{&fx.schema.tables[0], &fx.schema.tables[1]};
