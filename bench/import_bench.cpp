@@ -1,7 +1,9 @@
 // Importing a seller list of 5,000 auctions (about 1.5 MB): as new rows into an empty store and again
 // as updates of the same rows, both including normalisation and the store writes; and, for scale, the
-// same 5,000 rows inserted straight into SQLite one statement at a time, as the store commits them.
-// Peak memory of the process is reported as the counter peak_rss_mb.
+// same 5,000 rows inserted straight into SQLite one statement at a time, into the same table of the
+// shipped store with the store's own journal settings, each committed on its own as the store commits
+// them. Peak memory of the process is reported as the counter peak_rss_mb, the page's size in bytes
+// as page_mb.
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 #include <sys/resource.h>
@@ -40,11 +42,9 @@ std::string SellerList() {
     page += "<td>Nov-0" + std::to_string(1 + i % 9) + "-26 1" + std::to_string(i % 10) + ":00:00</td>\r\n";
     page += "<td>Nov-" + day + "-26 1" + std::to_string(i % 10) + ":00:00 (*)</td>\r\n";
     page += "<td>$" + std::to_string(5 + i % 300) + ".50</td>\r\n";
-    page += "<td>" + link + "Vintage blue glass vase number " + std::to_string(i) + "</a></td>\r\n";
-    page += "<td><a href=\"http://feedback.ebay.com/ws/eBayISAPI.dll?ViewFeedback&amp;userid=" + buyer +
-            "\">" + buyer + "</a>(" + std::to_string(i % 500) + ")</td>\r\n";
-    page +=
-        "<td><a href=\"mailto:" + buyer + "@example.com\">" + buyer + "@example.com</a></td>\r\n</tr>\r\n";
+    page += "<td>Vintage blue glass vase number " + std::to_string(i) + "</td>\r\n";
+    page += "<td>" + buyer + "(" + std::to_string(i % 500) + ")</td>\r\n";
+    page += "<td>" + buyer + "@example.com</td>\r\n</tr>\r\n";
   }
   page +=
       "</table>\r\n<p>About eBay | Announcements | Help</p>\r\n<p>Copyright 1995-2026 eBay Inc. All Rights "
@@ -52,8 +52,13 @@ std::string SellerList() {
   return page;
 }
 
+const std::string& PageBytes() {
+  static const std::string page = SellerList();
+  return page;
+}
+
 const lw::Text& Page() {
-  static const lw::Text page = lw::FromUtf8(SellerList());
+  static const lw::Text page = lw::FromUtf8(PageBytes());
   return page;
 }
 
@@ -69,7 +74,7 @@ void ReportMemory(benchmark::State& state) {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
   state.counters["peak_rss_mb"] = static_cast<double>(usage.ru_maxrss) / 1024.0;
-  state.counters["page_mb"] = static_cast<double>(Page().size()) / (1024.0 * 1024.0);
+  state.counters["page_mb"] = static_cast<double>(PageBytes().size()) / 1e6;
 }
 
 int64_t ImportedRows(lw::Database& db) {
@@ -105,25 +110,24 @@ BENCHMARK(BM_SellerListUpdates)->Unit(benchmark::kMillisecond)->Iterations(5);
 // The same rows with the same columns, each INSERT committed on its own.
 void BM_RawSqliteInserts(benchmark::State& state) {
   lw::fuzzing::FuzzImport env;
-  const std::filesystem::path path = env.dir / "raw.db";
+  const std::filesystem::path path = env.dir / "raw.mdb";
   for (auto _ : state) {
     state.PauseTiming();
     std::filesystem::remove(path);
     std::filesystem::remove(path.string() + "-wal");
     std::filesystem::remove(path.string() + "-shm");
+    std::filesystem::copy_file(LW_SHIPPED_STORE, path);
     sqlite3* db = nullptr;
     sqlite3_open(path.c_str(), &db);
-    sqlite3_exec(
-        db,
-        "PRAGMA journal_mode=WAL; CREATE TABLE seller (Item TEXT, Start REAL, End REAL, Length REAL, "
-        "Price INTEGER, Title TEXT, Id TEXT, Email TEXT, Quantity REAL, total_tax INTEGER, total_charges "
-        "INTEGER, total_purchase INTEGER, pending INTEGER, username TEXT, site TEXT, rating REAL, "
-        "lastupdated REAL, Reserve_met INTEGER, Trans_comp INTEGER, Completed INTEGER)",
-        nullptr, nullptr, nullptr);
+    sqlite3_exec(db, "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL;", nullptr, nullptr, nullptr);
     sqlite3_stmt* insert = nullptr;
-    sqlite3_prepare_v2(db,
-                       "INSERT INTO seller VALUES (?,?,?,?,?,?,?,?,1,0,0,0,0,'lotseller','eBay',?,?,-1,0,-1)",
-                       -1, &insert, nullptr);
+    sqlite3_prepare_v2(
+        db,
+        "INSERT INTO seller (Item, Start, \"End\", Length, Price, Title, Id, Email, Quantity, "
+        "total_tax, total_charges, total_purchase, pending, username, site, rating, lastupdated, "
+        "Reserve_met, Trans_comp, Completed) "
+        "VALUES (?,?,?,?,?,?,?,?,1,0,0,0,0,'lotseller','eBay',?,?,-1,0,-1)",
+        -1, &insert, nullptr);
     state.ResumeTiming();
     for (int i = 0; i < kAuctions; ++i) {
       const std::string item = Item(i);
@@ -140,7 +144,7 @@ void BM_RawSqliteInserts(benchmark::State& state) {
       sqlite3_bind_text(insert, 8, email.c_str(), -1, SQLITE_TRANSIENT);
       sqlite3_bind_double(insert, 9, i % 500);
       sqlite3_bind_double(insert, 10, 46348.5);
-      sqlite3_step(insert);
+      if (sqlite3_step(insert) != SQLITE_DONE) state.SkipWithError("an insert failed");
       sqlite3_reset(insert);
     }
     state.PauseTiming();
