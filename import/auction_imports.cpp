@@ -48,6 +48,26 @@ Text NumberText(double n, const Regional& r) {
   return CStr(Variant(n), r);
 }
 
+// A number field as the parsers see it: what it shows, or NaN while it shows nothing, so that a parser
+// that puts 0 there is told apart from one that never reached it.
+double ShownNumber(const Text& text) {
+  return text.empty() ? std::nan("") : Val(text);
+}
+bool Changed(double now, double before) {
+  return !std::isnan(now) && (std::isnan(before) || now != before);
+}
+
+// The minimum bid box is a money edit bound to a money column: like the desktop box, it keeps the amount
+// it can read from what is put in it ("US $9.99" shows 9.99), so the row can still be saved and left.
+Text MoneyBoxText(const Text& text, const Regional& r) {
+  size_t first = text.find_first_of(u"0123456789");
+  if (first == Text::npos) return text.empty() ? text : Text();
+  size_t last = text.find_last_of(u"0123456789");
+  Text amount = text.substr(first, last - first + 1);
+  if (IsNumeric(Variant(amount), r)) return NumberText(CDbl(Variant(amount), r), r);
+  return NumberText(Val(amount), r);
+}
+
 // The description commands and parsers see the form through one of these: built from the form and the
 // job flags, written back by Store.
 class DescriptionBridge {
@@ -62,10 +82,10 @@ class DescriptionBridge {
       fl.Description1_txt[i] = FormText(f_, u"Description1_txt", i);
       fl.Minbid_txt[i] = FormText(f_, u"Minbid_txt", i);
       fl.Quantity_txt[i] = FormText(f_, u"Quantity_txt", i);
-      fl.bids_lbl[i] = Val(FormText(f_, u"bids_lbl", i));
+      fl.bids_lbl[i] = ShownNumber(FormText(f_, u"bids_lbl", i));
       fl.location_txt[i] = FormText(f_, u"location_txt", i);
     }
-    fl.ctRealInput1_1 = static_cast<float>(Val(FormText(f_, u"ctRealInput1", 1)));
+    fl.ctRealInput1_1 = static_cast<float>(ShownNumber(FormText(f_, u"ctRealInput1", 1)));
     loaded_ = fl;
     const ImportJobs& j = s_.jobs;
     d.flags = {j.import_cancelled, j.description_pending, j.description_html_pending,
@@ -93,12 +113,14 @@ class DescriptionBridge {
     for (int i = 0; i < 2; ++i) {
       PutText(f_, u"category_lbl", i, fl.category_lbl[i]);
       PutText(f_, u"Description1_txt", i, fl.Description1_txt[i]);
-      PutText(f_, u"Minbid_txt", i, fl.Minbid_txt[i]);
+      if (fl.Minbid_txt[i] != loaded_.Minbid_txt[i])
+        PutText(f_, u"Minbid_txt", i, MoneyBoxText(fl.Minbid_txt[i], r));
       PutText(f_, u"Quantity_txt", i, fl.Quantity_txt[i]);
-      if (fl.bids_lbl[i] != loaded_.bids_lbl[i]) PutText(f_, u"bids_lbl", i, NumberText(fl.bids_lbl[i], r));
+      if (Changed(fl.bids_lbl[i], loaded_.bids_lbl[i]))
+        PutText(f_, u"bids_lbl", i, NumberText(fl.bids_lbl[i], r));
       PutText(f_, u"location_txt", i, fl.location_txt[i]);
     }
-    if (fl.ctRealInput1_1 != loaded_.ctRealInput1_1)
+    if (Changed(fl.ctRealInput1_1, loaded_.ctRealInput1_1))
       PutText(f_, u"ctRealInput1", 1, NumberText(fl.ctRealInput1_1, r));
   }
 

@@ -210,12 +210,19 @@ TEST_F(AuctionScreenTest, DescriptionCommandSetsItsFlagHostAndPathAndTheParserFi
             u"A solid brass lantern from a coastal trader, wick and glass intact.");
   EXPECT_EQ(Get(u"category_lbl", 0), u"Collectibles:Nautical:Lanterns  Lamps");
   EXPECT_EQ(Get(u"bids_lbl", 0), u"7");
+  // The money box keeps the amount it can read, so the row can still be left and saved.
+  EXPECT_EQ(Get(u"Minbid_txt", 0), u"9.99");
   EXPECT_EQ(Get(u"location_txt", 0), u"Harwich, Essex");
   EXPECT_FALSE(s.jobs.description_pending);
   // The fields change on the screen only until the row is saved.
   auto stored =
       program_->startup.db->OpenRecordset(u"Select Description1 From seller where Item = '4012345678'");
   EXPECT_TRUE(stored->Fields(u"Description1").IsNull());
+  main().seller.UpdateRecord();
+  stored =
+      program_->startup.db->OpenRecordset(u"Select Minbid, No_bids From seller where Item = '4012345678'");
+  EXPECT_EQ(CDbl(stored->Fields(u"Minbid"), program_->regional), 9.99);
+  EXPECT_EQ(CDbl(stored->Fields(u"No_bids"), program_->regional), 7);
 }
 
 TEST_F(AuctionScreenTest, DutchAndEmailCommandsRefuseWithoutFetching) {
