@@ -279,8 +279,8 @@ void UseridScreen::save_setup_settings() {
     }
     const Text seller = MoveAuctionsStatement(u"Seller", userid, old_userid_);
     const Text bidder = MoveAuctionsStatement(u"Bidder", userid, old_userid_);
-    p.startup.db->Execute(seller);
-    p.startup.db->Execute(bidder);
+    Db().Execute(seller);
+    Db().Execute(bidder);
   }
   if (field(1).text().empty()) return f.SetStatus(kMissingLogin);
   if (field(3).text().empty()) return f.SetStatus(kMissingName);
@@ -302,7 +302,7 @@ void UseridScreen::save_setup_settings() {
   }
   f.enable_tabs();
 
-  Database& db = *p.startup.db;
+  Database& db = Db();
   for (const MiscServer& s : kMiscServers) db.Execute(MiscServerStatement(s.column, field(s.field).text()));
   const Text referral = FromUtf8(BaseUrlFor(p.settings, "forum")) + u"/cgi-bin/ref.cgi?";
   db.Execute(u"Update Misc SET refurl = " + Quoted(referral));

@@ -47,6 +47,11 @@ Control& UseridScreen::check(int index) const {
   return form_.Get(u"setup_chk", index);
 }
 
+Database& UseridScreen::Db() const {
+  if (!program_.startup.db) throw RuntimeError(err::kObjectVariableNotSet, "Object variable not set");
+  return *program_.startup.db;
+}
+
 void UseridScreen::Report(const RuntimeError& e) {
   form_.SetStatus(FromUtf8(e.description()));
 }
@@ -198,7 +203,7 @@ void UseridScreen::delete_userid() {
     int at = FindUserid(list, userid);
     if (at >= 0) list.RemoveItem(at);
     form_.SetStatus(u"Deleting username and associated records");
-    Database& db = *program_.startup.db;
+    Database& db = Db();
     db.Execute(seller);
     db.Execute(bidder);
     DataControl& setup = form_.setup_datacontrl;

@@ -56,6 +56,8 @@ class UseridScreen {
   void SaveSetupRow();
   void SaveMisc();
   void Report(const RuntimeError& e);
+  // The open store; raises 91 when start-up could not open one.
+  Database& Db() const;
 
   MainForm& form_;
   Program& program_;
