@@ -68,6 +68,12 @@ Text MoneyBoxText(const Text& text, const Regional& r) {
   return NumberText(Val(amount), r);
 }
 
+// The Dutch page's address ends in the placeholder's id ("3 Dutch bids"): blanks go as a desktop browser
+// sends them, since the transport takes no blank in an address.
+void Navigate(MainForm& f, const Text& address) {
+  f.WebBrowser1.Navigate(Replace(address, u" ", u"%20"));
+}
+
 // The description commands and parsers see the form through one of these: built from the form and the
 // job flags, written back by Store.
 class DescriptionBridge {
@@ -168,7 +174,7 @@ class DutchBridge {
     s_.jobs.bidder_dutch_pending = d.bidder_dutch_pending;
     txtIP(s_).SetText(d.txtIP);
     txtURL(s_).SetText(d.txtURL);
-    if (address_) f_.WebBrowser1.Navigate(*address_);
+    if (address_) Navigate(f_, *address_);
   }
 
   DutchScreen d;
@@ -206,7 +212,7 @@ class EmailBridge {
     s_.jobs.email_pending = d.email_pending;
     txtIP(s_).SetText(d.txtIP);
     PutText(f_, u"seller_email_txt", -1, d.seller_email_txt);
-    if (address_) f_.WebBrowser1.Navigate(*address_);
+    if (address_) Navigate(f_, *address_);
   }
 
   MemberEmailScreen d;
