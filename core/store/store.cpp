@@ -530,6 +530,15 @@ struct Recordset::Impl {
   // Makes the first row at or after `from` that meets the criteria current; sets no_match otherwise.
   void Find(TextView criteria, int64_t from);
 
+  // The outputs are the columns of the one table, each once and in order, as "Select *" gives them.
+  bool WholeRows() const {
+    const auto& columns = tr->tables[0]->columns;
+    if (tr->outputs.size() != columns.size()) return false;
+    for (size_t i = 0; i < columns.size(); ++i)
+      if (tr->outputs[i].table != 0 || tr->outputs[i].column != static_cast<int>(i)) return false;
+    return true;
+  }
+
   void RequireUpdatable() const {
     if (!tr->updatable()) Fail(err::kReadOnly, "Cannot update. Database or object is read-only.");
   }
@@ -784,6 +793,15 @@ void Recordset::Update() {
       }
     }
     m.last_modified = m.BookmarkAt(m.pos);
+    // When the cursor shows its table's columns as they are, the edit buffer holds exactly what a
+    // fetch of the written row would give (SetField keeps the stored form read back), so the import's
+    // reads and edits that follow need no fetch. Computed or repeated columns are fetched again.
+    if (m.WholeRows()) {
+      m.mode = Impl::Mode::None;
+      m.cached = std::move(m.buffer);
+      m.cached_pos = m.pos;
+      return;
+    }
   }
   m.mode = Impl::Mode::None;
   m.cached_pos = -1;

@@ -188,6 +188,34 @@ TEST_F(StoreTest, AddNewEditUpdateDelete) {
   EXPECT_EQ(ErrorOf([&] { agg->AddNew(); }), 3027);
 }
 
+TEST_F(StoreTest, AnEditedRowReadsBackAsAFreshFetchWouldGiveIt) {
+  Populate();
+  // Every kind of column, a Null, a yes/no set from Null, text beyond the first plane and an emptied memo.
+  auto rs = Open("Select * From seller where item = '1003'");
+  rs->Edit();
+  rs->SetField(u"Price", Variant(u"19.999"));
+  rs->SetField(u"End", Variant(u"12/24/2026 6:30:00 PM"));
+  rs->SetField(u"Quantity", Variant(u"3"));
+  rs->SetField(u"Completed", Variant());
+  rs->SetField(u"Title", Variant(Text(u"Jug \U0001F3FA and ") + Text(1, u'\xD800') + u" end"));
+  rs->SetField(u"Comments", Variant(Text()));
+  rs->SetField(u"Reserve", Variant());
+  rs->Update();
+  auto fresh = Open("Select * From seller where item = '1003'");
+  for (const auto& name : rs->FieldNames()) {
+    SCOPED_TRACE(ToUtf8(name));
+    EXPECT_EQ(rs->Fields(name), fresh->Fields(name));
+  }
+  EXPECT_EQ(rs->Fields(u"Completed"), Variant(false));
+  // A computed column, or a column shown twice, follows the change the edit wrote.
+  auto computed = Open("Select price, price * 2 AS twice, price AS again From seller where item = '1002'");
+  computed->Edit();
+  computed->SetField(u"price", Variant(u"10.50"));
+  computed->Update();
+  EXPECT_EQ(computed->Fields(u"twice"), Variant(Currency::FromDouble(21)));
+  EXPECT_EQ(computed->Fields(u"again"), Variant(Currency::FromDouble(10.5)));
+}
+
 TEST_F(StoreTest, BadStatementsFailWithANumberAndChangeNothing) {
   Populate();
   struct Case {
