@@ -6,6 +6,8 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <fstream>
+
 #include "core/primitives/convert.h"
 #include "core/primitives/encoding.h"
 #include "import/download.h"
@@ -37,6 +39,9 @@ class AuctionScreenTest : public ::testing::Test {
   }
 
   void Start(const char* locale = "en_US") {
+    // The browser page shows the auction on show at the item host: a closed port on the loopback.
+    fs::create_directories(dir_ / "config");
+    std::ofstream(dir_ / "config" / "settings.ini") << "[Lotwright/Hosts]\nitem=127.0.0.1:9\n";
     settings_ = std::make_unique<Settings>(dir_ / "config" / "settings.ini");
     program_ = std::make_unique<Program>(
         ui_, queue_, *settings_, ProgramFiles{LW_SHIPPED_STORE, dir_ / "lotwright-convert", dir_ / "help"});
@@ -243,8 +248,9 @@ TEST_F(AuctionScreenTest, DutchAndEmailCommandsRefuseWithoutFetching) {
   main().RunCommand("import_dutch_btn_2");
   EXPECT_EQ(s.dutch_item, u"501");
   EXPECT_EQ(main().SSTab1.tab(), 4);
-  EXPECT_EQ(main().WebBrowser1.location_url,
-            u"http://127.0.0.1:1/aw-cgi/eBayISAPI.dll?GetBidderEmails&item=501&pagetype=269&ed=3 Dutch bids");
+  EXPECT_EQ(
+      main().WebBrowser1.location_url,
+      u"http://127.0.0.1:1/aw-cgi/eBayISAPI.dll?GetBidderEmails&item=501&pagetype=269&ed=3%20Dutch%20bids");
 
   // An address already in the field: nothing is fetched, whatever the row.
   main().Auction_type_lst.SetText(u"Bidder");

@@ -1,6 +1,8 @@
 # A bidder "tester" who won an auction of harbour_lights, lost one, and is among the high bidders of a
 # Dutch auction; the member and Dutch pages come from the loopback server.
-mkdir -p "$XDG_DATA_HOME/lotwright"
+mkdir -p "$XDG_DATA_HOME/lotwright" "$XDG_CONFIG_HOME/lotwright"
+# The browser page shows the auction on show at the item host: a closed port on the loopback.
+printf '[Lotwright/Hosts]\nitem=127.0.0.1:9\n' > "$XDG_CONFIG_HOME/lotwright/settings.ini"
 store="$XDG_DATA_HOME/lotwright/lw.mdb"
 cp "$LW_BINARY_DIR/share/lw.mdb" "$store"
 sqlite3 "$store" "UPDATE setup SET Userid = 'tester';
