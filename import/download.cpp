@@ -122,8 +122,9 @@ void WireTransports(ImportScreen& screen, DownloadState& state) {
   if (!t.WebBrowser1) t.WebBrowser1 = std::make_unique<CurlWebBrowser>(*t.session, port);
 
   ImportScreen* s = &screen;
-  t.CIHTTP1->set_handlers({[s] { CIHTTP1_Connected(*s); }, [s] { CIHTTP1_Done(*s); },
-                           [s](int number, const Text&) { CIHTTP1_Error(*s, number); }});
+  t.CIHTTP1->set_handlers(
+      {[s] { CIHTTP1_Connected(*s); }, [s] { CIHTTP1_Done(*s); },
+       [s](int number, const Text&) { Guarded(*s, [s, number] { CIHTTP1_Error(*s, number); }); }});
   WebBrowser::Handlers browser;
   browser.progress = [s](long long so_far, long long max) {
     Control* meter = s->main().Find(u"ctMeter1");
@@ -135,7 +136,7 @@ void WireTransports(ImportScreen& screen, DownloadState& state) {
     BrowserControl& control = s->main().WebBrowser1;
     control.location_url = FromUtf8(url);
     control.document_title = transports(*s).WebBrowser1->Title();
-    WebBrowser1_NavigateComplete(*s, control.location_url);
+    Guarded(*s, [s, &control] { WebBrowser1_NavigateComplete(*s, control.location_url); });
   };
   browser.document_complete = [s](const std::string& url) {
     WebBrowser& web = *transports(*s).WebBrowser1;

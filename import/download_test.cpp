@@ -336,5 +336,34 @@ TEST_F(DownloadTest, SignInFormAndHandEditSaveTheirFiles) {
   EXPECT_FALSE(main().SSTab1.page(kAdvEditPage).visible);
 }
 
+TEST_F(DownloadTest, BlockingFetchNormalisesUnlessTheParserWantsTheHtml) {
+  testing::LoopbackHttpServer server(kPages);
+  Start(server.host());
+  Text seen;
+  for (const char* name :
+       {"get_ebay_seller_auction_description", "get_ebay_seller_auction_description_with_HTML"})
+    program_->routines.Register(name, [this, &seen] { seen = screen().buffer.text(); });
+  ImportJobs& jobs = screen().jobs;
+  txtIP(screen()).SetText(T(server.host()));
+  txtURL(screen()).SetText(u"/item_ordinary.html");
+  jobs.description_pending = true;
+  download_auctions_2(screen());
+  EXPECT_FALSE(jobs.description_pending);
+  EXPECT_EQ(seen.find(u"<"), Text::npos);
+  EXPECT_FALSE(seen.empty());
+  EXPECT_NE(ReadFile(File(u"\\last_good_ebay_seller_import.htm")).find("<html"), std::string::npos);
+  jobs.description_html_pending = true;
+  download_auctions_2(screen());
+  EXPECT_FALSE(jobs.description_html_pending);
+  EXPECT_NE(seen.find(u"<html"), Text::npos);
+  // Nothing came: the parser gets an empty page and no message is shown.
+  txtIP(screen()).SetText(u"127.0.0.1:9");
+  jobs.description_pending = true;
+  download_auctions_2(screen());
+  EXPECT_TRUE(seen.empty());
+  EXPECT_TRUE(ui_.boxes.empty());
+  EXPECT_EQ(ui_.wait, 0);
+}
+
 }  // namespace
 }  // namespace lw
