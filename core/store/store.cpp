@@ -350,8 +350,10 @@ std::unique_ptr<Database> Database::OpenDatabase(const std::filesystem::path& pa
   sqlite3_extended_result_codes(state->db, 1);
   sqlite3_busy_timeout(state->db, 5000);
   // WAL keeps the file consistent through a crash at any point; NORMAL syncs at checkpoints, so a power
-  // cut can lose only the last commits, never the file.
-  state->Run("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL;");
+  // cut can lose only the last commits, never the file. An import commits every row on its own and
+  // dirties several index pages each time; checkpointing every 4000 pages (16 MB of log, removed when the
+  // store closes) rather than every 1000 spares it three of every four disk syncs.
+  state->Run("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL; PRAGMA wal_autocheckpoint = 4000;");
   const int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
   Regional* r = &state->regional;
   sqlite3_create_function_v2(state->db, "lw_like", 2, flags, nullptr, LikeFunction, nullptr, nullptr,
