@@ -74,8 +74,9 @@ class AuctionScreenTest : public ::testing::Test {
          "', 'Lantern', 'No Userid Set', 'eBay', '" + id + "', -1, #11/20/2026 09:30:00#, " +
          std::to_string(end.serial) + ")");
   }
+  // As the setup page saves it: through the screen's own cursor on the misc row.
   void SetHourDifference(double hours) {
-    Recordset& misc = *program_->startup.misc;
+    Recordset& misc = main().Misc.recordset();
     misc.Edit();
     misc.SetField(u"Ebay_hour_difference", Variant(hours));
     misc.Update();

@@ -75,8 +75,25 @@ bool HasRow(DataControl& dc) {
   return !rs.Eof() && !rs.Bof();
 }
 
-// The offsets of the misc row, read afresh: the setup page may have changed them.
+double OffsetField(Recordset& misc, TextView column, const Regional& r) {
+  Variant v = misc.Fields(column);
+  if (v.IsNull()) return 0;
+  try {
+    return CDbl(v, r);
+  } catch (const RuntimeError&) {
+    return 0;  // a setting that is no number counts as no offset
+  }
+}
+
+// The offsets of the misc row, read afresh from the screen's own cursor on it, which the setup page
+// writes; the import's context reads the same row once the store is open.
 SiteClockOffsets Offsets(ImportScreen& s) {
+  MainForm& f = s.main();
+  if (f.Misc.HasRecordset() && !f.Misc.recordset().Eof() && !f.Misc.recordset().Bof()) {
+    Recordset& misc = f.Misc.recordset();
+    const Regional& r = s.program().regional;
+    return {OffsetField(misc, u"Ebay_hour_difference", r), OffsetField(misc, u"Ebay_minute_difference", r)};
+  }
   return s.Context().offsets;
 }
 
