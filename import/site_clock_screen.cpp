@@ -39,28 +39,6 @@ void EnsurePlain(MainForm& f, ControlKind kind, const char16_t* name, int index 
   if (!f.Find(name, index)) f.Add(kind, name, index);
 }
 
-// A field pair of the details page, index 0 on `seller` and 1 on `Bidder`, bound to `column`.
-template <typename T>
-void EnsurePair(MainForm& f, const char16_t* name, const char16_t* column) {
-  for (int side = 0; side < 2; ++side) {
-    if (f.Find(name, side)) continue;
-    Control& c = f.Add<T>(name, side);
-    c.SetVisible(side == 0);
-    if (column) c.Bind(side == 0 ? f.seller : f.Bidder, column);
-  }
-}
-
-class PlainLabel : public Control {
- public:
-  PlainLabel(Form& form, Text name, int index = -1)
-      : Control(form, ControlKind::Label, std::move(name), index) {}
-};
-class PlainText : public Control {
- public:
-  PlainText(Form& form, Text name, int index = -1)
-      : Control(form, ControlKind::TextBox, std::move(name), index) {}
-};
-
 bool IsBidder(const MainForm& f) {
   return f.Auction_type_lst.text() == u"Bidder";
 }
@@ -266,15 +244,9 @@ void AuctionEndTime2(ImportScreen& s) {
 }  // namespace
 
 void AddSiteClockControls(MainForm& f) {
-  EnsurePair<PlainText>(f, u"Description1_txt", u"Description1");
-  EnsurePair<PlainLabel>(f, u"bids_lbl", u"No_bids");
-  EnsurePair<PlainLabel>(f, u"id_pnl", u"Id");
-  EnsurePair<PlainLabel>(f, u"start_pnl", u"Start");
-  EnsurePair<PlainLabel>(f, u"end_pnl", u"End");
-  EnsurePair<MoneyEdit>(f, u"ctRealInput1", u"Price");
   // The seller page's location has no column: it is filled by the description import for the user to
   // copy. Index 1 belongs to the listing's settings and is made there.
-  Ensure<PlainText>(f, u"location_txt", 0);
+  EnsurePlain(f, ControlKind::TextBox, u"location_txt", 0);
   for (int i = 0; i < kDateEdits; ++i) Ensure<DateEditBox>(f, u"ctDEdit1", i);
   for (int i = 0; i < 4; ++i) Ensure<MoneyEdit>(f, u"ctNEdit1", i);
   for (const char16_t* n : {u"MhRealInput2", u"MhRealInput3"}) Ensure<MoneyEdit>(f, n);

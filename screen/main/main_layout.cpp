@@ -158,10 +158,12 @@ constexpr MenuInfo kMenus[] = {
 };
 
 constexpr const char* kSidePairs[] = {
-    "itemno_txt",  "Title_txt",    "ctRealInput1", "start_pnl",          "end_pnl",        "Id_txt",
-    "Email_txt",   "Name_txt",     "Address_txt",  "Comments_txt",       "status_log_txt", "Quantity_txt",
-    "Cost_txt",    "Minbid_txt",   "Reserve_txt",  "shipping_price_txt", "category_lbl",   "reserve_met_chk",
-    "Contact_chk", "Response_chk", "Payment_chk",  "Trans_comp_chk",
+    "itemno_txt",   "Title_txt",       "ctRealInput1",     "start_pnl",
+    "end_pnl",      "id_pnl",          "Email_txt",        "Name_txt",
+    "Address_txt",  "Comments_txt",    "status_log_txt",   "Quantity_txt",
+    "Cost_txt",     "Minbid_txt",      "Reserve_txt",      "shipping_price_txt",
+    "category_lbl", "reserve_met_chk", "Contact_chk",      "Response_chk",
+    "Payment_chk",  "Trans_comp_chk",  "Description1_txt", "bids_lbl",
 };
 
 }  // namespace
