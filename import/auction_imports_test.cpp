@@ -83,7 +83,7 @@ class AuctionScreenTest : public ::testing::Test {
   }
 
   fs::path dir_;
-  testing::RecordingUi ui_;
+  testing::ImportRecordingUi ui_;
   EventQueue queue_;
   std::unique_ptr<Settings> settings_;
   std::unique_ptr<Program> program_;

@@ -27,7 +27,7 @@ struct ShownMessage {
   MsgIcon icon;
 };
 
-class RecordingUi : public Ui {
+class ImportRecordingUi : public Ui {
  public:
   std::vector<ShownMessage> shown;
   std::deque<MsgAnswer> answers;  // queued answers; without one the first button is taken
@@ -173,7 +173,7 @@ class ListImportTest : public ::testing::TestWithParam<std::string> {
   std::unique_ptr<Database> db_;
   std::unique_ptr<DataSource> seller_, bidder_;
   Clock clock_;
-  RecordingUi ui_;
+  ImportRecordingUi ui_;
   std::unique_ptr<ImportContext> ctx_;
   std::vector<Text> statuses_;
   int filters_ = 0;

@@ -67,11 +67,15 @@ TEST(FormReader, WalksTheFormsAndGivesTheQuery) {
 }
 
 TEST(HtmlDocument, TextWithoutTags) {
+  // Cells on one line of the source are broken apart; the source's own line ends and blanks stay.
   EXPECT_EQ(PageTextWithoutTags(u"<table><tr><td> a \n b </td><td>&amp;x</td></tr></table>"
                                 u"<style>td{}</style><p>1 < 2</p><SCRIPT>x='<td>'</script>end"),
-            u"a b\r\n&amp;x\r\n1 < 2\r\nend\r\n");
+            u" a \r\n b\r\n&amp;x\r\n1 < 2\r\nend");
+  EXPECT_EQ(PageTextWithoutTags(u"<tr>\r\n<th>Seller</th>\r\n</tr>\r\n<tr>\r\n<td>22</td>\r\n"),
+            u"\r\nSeller\r\n\r\n\r\n22\r\n");
+  EXPECT_EQ(PageTextWithoutTags(u"<!-- a > b --><td>x</td>"), u"x");
   EXPECT_EQ(PageTextWithoutTags(u""), u"");
-  EXPECT_EQ(PageTextWithoutTags(u"<td>unclosed <b"), u"unclosed\r\n");
+  EXPECT_EQ(PageTextWithoutTags(u"<td>unclosed <b"), u"unclosed ");
 }
 
 TEST(Hosts, DefaultsOverridesAndSchemes) {

@@ -296,13 +296,20 @@ size_t FindCaseless(TextView text, std::string_view what, size_t from) {
 }  // namespace
 
 Text PageTextWithoutTags(TextView page) {
+  // The text as the page's source lays it out, tags taken away and nothing else touched, so that a page
+  // fetched in the background reads exactly as the same page saved to a file and stripped by hand. Only
+  // where the source puts two cells or blocks on one line are they broken apart, as a text rendering of
+  // the page would show them.
   Text out;
   out.reserve(page.size() / 2);
-  bool blank = false;
-  auto line_end = [&] {
-    blank = false;
-    while (!out.empty() && out.back() == u' ') out.pop_back();
-    if (!out.empty() && out.back() != u'\n') out += u"\r\n";
+  bool break_pending = false;
+  auto line_has_text = [&] {
+    for (size_t k = out.size(); k > 0; --k) {
+      char16_t ch = out[k - 1];
+      if (ch == u'\n' || ch == u'\r') return false;
+      if (ch != u' ' && ch != u'\t') return true;
+    }
+    return false;
   };
   size_t i = 0;
   while (i < page.size()) {
@@ -326,20 +333,24 @@ Text PageTextWithoutTags(TextView page) {
         i = gt == TextView::npos ? page.size() : gt + 1;
         continue;
       }
-      if (IsOneOf(name, kBlockElements)) line_end();
+      if (IsOneOf(name, kBlockElements)) break_pending = true;
       continue;
     }
-    if (c == u' ' || c == u'\t' || c == u'\r' || c == u'\n') {
-      blank = !out.empty() && out.back() != u'\n';
-      ++i;
+    bool blank = c == u' ' || c == u'\t' || c == u'\r' || c == u'\n';
+    if (!blank && break_pending && line_has_text()) {
+      while (!out.empty() && (out.back() == u' ' || out.back() == u'\t')) out.pop_back();
+      out += u"\r\n";
+    }
+    if (!blank) break_pending = false;
+    if (c == u'\r' || c == u'\n') {
+      // Every line end as CR LF, whatever the server sent.
+      out += u"\r\n";
+      i += (c == u'\r' && i + 1 < page.size() && page[i + 1] == u'\n') ? 2 : 1;
       continue;
     }
-    if (blank) out.push_back(u' ');
-    blank = false;
     out.push_back(c);
     ++i;
   }
-  line_end();
   return out;
 }
 

@@ -29,8 +29,9 @@ struct HtmlDocument {
   static HtmlDocument Parse(const Text& page);
 };
 
-// The visible text of a page without its tags, one table cell or block to a line (CR LF), blanks
-// runs made one, script and style left out. Entities stay as they were written.
+// The text of a page without its tags: the source's characters and lines as they stand, every line end
+// made CR LF, script, style and comments left out, and a line break where a cell or block follows text
+// on the same source line. Entities stay as they were written.
 Text PageTextWithoutTags(TextView page);
 
 }  // namespace lw
