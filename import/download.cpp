@@ -171,19 +171,8 @@ void sign_in_round_trip(ImportScreen& screen) {
   MainForm& form = Main(screen);
   Toolbar& bar = form.Get<Toolbar>(u"ctToolBar3");
   for (int i = 1; i <= 2 && i <= bar.ButtonCount(); ++i) bar.button(i).enabled = false;
-  {
-    // browser_page_held: entering the browser page must not send the view to the current auction,
-    // which would replace the sign-in page.
-    auto navigator = std::move(form.WebBrowser1.navigator);
-    form.WebBrowser1.navigator = [](BrowserControl&, const Text&) {};
-    try {
-      form.SSTab1.SetTab(kBrowserPage);
-    } catch (...) {
-      form.WebBrowser1.navigator = std::move(navigator);
-      throw;
-    }
-    form.WebBrowser1.navigator = std::move(navigator);
-  }
+  Prog(screen).main_screen.browser_page_held = true;
+  form.SSTab1.SetTab(kBrowserPage);
   Status(screen, u"You have not signed in");
   Text address = FromUtf8(BaseUrlFor(Prog(screen).settings, "signin")) +
                  u"/aw-cgi/eBayISAPI.dll?SignIn&pUserId=" + FieldText(SetupRow(screen), u"Userid");

@@ -65,7 +65,8 @@ ImportContext& ImportScreen::Context() {
   ctx.userid = form.Userid_lst.text();
   ctx.site = form.site_lst.text();
   ctx.folder = p.DbFile(u"\\parsed_data.htm").parent_path();
-  Recordset* misc = p.startup.misc.get();
+  // The screen's own cursor on the misc row first: the Setup page writes the offsets through it.
+  Recordset* misc = form.Misc.HasRecordset() ? &form.Misc.recordset() : p.startup.misc.get();
   ctx.offsets.hour_difference = NumberField(misc, u"Ebay_hour_difference", p.regional);
   ctx.offsets.minute_difference = NumberField(misc, u"Ebay_minute_difference", p.regional);
   Recordset* setup = form.setup_datacontrl.HasRecordset() ? &form.setup_datacontrl.recordset() : nullptr;

@@ -433,6 +433,10 @@ void MainForm::tab_refresh() {
       CallRoutine("fill_total_labels");
       break;
     case 4: {
+      if (p.main_screen.browser_page_held) {
+        p.main_screen.browser_page_held = false;
+        break;
+      }
       BrowserContext c;
       c.database_path = p.startup.database_path;
       c.userid = Userid_lst.text();

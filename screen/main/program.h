@@ -80,6 +80,9 @@ struct Program {
     bool settling = false;  // a list selection is being changed by code: the selectors' handlers wait
     std::array<bool, kBrowserTargetCount> browser_request{};
     bool bulk_view = false;  // the Email page was entered for the bulk list
+    // The browser page shows a page a command put there (the sign-in page): the next entry of the page
+    // leaves it alone instead of showing the current auction.
+    bool browser_page_held = false;
     Text feedback_url;
     Text password;  // the current user id's site password, for the My eBay and account pages
   } main_screen;
