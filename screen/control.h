@@ -272,7 +272,9 @@ class Menu : public Control {
   Menu* parent() const { return parent_; }
   void SetParent(Menu* parent) { parent_ = parent; }
   bool checked = false;
-  // Visible and enabled together with every parent menu.
+  // Shown as a popup: its entries can be chosen although the menu itself is hidden on the menu bar.
+  bool popped_up = false;
+  // Visible (or popped up) and enabled together with every parent menu.
   bool Reachable() const override;
   void UserClick(const Text* argument) override;
   std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;

@@ -181,6 +181,9 @@ void Form::ControlGone(Control& control) {
 }
 
 void Form::PopupMenu(Menu& menu) {
+  // A desktop popup is chosen from before this returns; the driver's is chosen by its next command,
+  // so the menu stays popped up until the Ui closes it.
+  menu.popped_up = true;
   ui().PopupMenu(*this, menu);
 }
 

@@ -228,7 +228,7 @@ Menu::Menu(Form& form, Text name, int index, Menu* parent)
 
 bool Menu::Reachable() const {
   for (const Menu* m = this; m; m = m->parent_)
-    if (!m->visible() || !m->enabled()) return false;
+    if (!(m->visible() || m->popped_up) || !m->enabled()) return false;
   return form().enabled;
 }
 

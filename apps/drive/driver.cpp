@@ -1,5 +1,8 @@
 #include "apps/drive/driver.h"
 
+#include <algorithm>
+#include <utility>
+
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -242,6 +245,19 @@ int Driver::Run(const std::function<void()>& start) {
 }
 
 void Driver::Execute(const std::vector<Text>& words) {
+  // A popup opened by an earlier command offers its entries to the next user action only; looking at
+  // the screen in between leaves it open.
+  static constexpr std::u16string_view kLooks[] = {u"get",  u"status", u"messages", u"outside",
+                                                   u"grid", u"sql",    u"clipboard"};
+  bool look = !words.empty() && std::any_of(std::begin(kLooks), std::end(kLooks),
+                                            [&](std::u16string_view c) { return SameName(words[0], c); });
+  Menu* popup = look ? nullptr : std::exchange(popup_, nullptr);
+  struct ClosePopup {
+    Menu* menu;
+    ~ClosePopup() {
+      if (menu) menu->popped_up = false;
+    }
+  } close{popup};
   try {
     Dispatch(words);
   } catch (const UserRefused& e) {
@@ -641,6 +657,8 @@ void Driver::ShowModal(Form& form) {
 
 void Driver::PopupMenu(Form&, Menu& menu) {
   outside_.push_back("popup " + U8(menu.Reference()));
+  if (popup_ && popup_ != &menu) popup_->popped_up = false;
+  popup_ = &menu;
 }
 
 void Driver::SetClipboardText(const Text& text) {

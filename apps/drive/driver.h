@@ -113,6 +113,7 @@ class Driver : public Ui {
   int wait_cursor_ = 0;
 
   std::deque<MsgAnswer> answers_;
+  Menu* popup_ = nullptr;  // the popup the last command opened
   std::deque<FileAnswer> files_;
   std::deque<std::optional<Colour>> colours_;
   std::vector<std::string> messages_;
