@@ -1,4 +1,5 @@
 #include "screen/main/main_form.h"
+#include "screen/edits.h"
 #include "screen/main/main_parts.h"
 
 #include <fstream>
@@ -122,8 +123,17 @@ void MainForm::BuildControls() {
     ControlKind kind = EndsWith(n, u"_chk")   ? ControlKind::CheckBox
                        : EndsWith(n, u"_lbl") ? ControlKind::Label
                                               : ControlKind::TextBox;
-    for (int side = 0; side < 2; ++side) Add(kind, n, side).SetVisible(side == 0);
+    // Money fields show the locale's currency symbol, so they are money boxes rather than text boxes.
+    bool money = n == u"ctRealInput1" || n == u"Cost_txt" || n == u"Minbid_txt" || n == u"Reserve_txt" ||
+                 n == u"shipping_price_txt";
+    for (int side = 0; side < 2; ++side) {
+      Control& c = money ? Add<MoneyEdit>(n, side) : Add(kind, n, side);
+      c.SetVisible(side == 0);
+    }
   }
+  // The date editors of the details page: end time, end date, start date, two for the lister's
+  // schedule, and the schedule time.
+  for (int i = 0; i < 6; ++i) Add<DateEditBox>(u"ctDEdit1", i).SetVisible(false);
   // The fields of the current row the pairs show, per side.
   struct PairField {
     const char16_t* control;
