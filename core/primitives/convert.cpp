@@ -482,12 +482,27 @@ bool Tokenise(TextView s, std::vector<DateToken>& out) {
 }
 
 // Matches a folded word against folded names; a trailing dot on the name does not count.
-int FindName(const Text& word, const Text* names, int count) {
-  for (int i = 0; i < count; ++i) {
-    Text n = Fold(names[i]);
-    while (!n.empty() && n.back() == u'.') n.pop_back();
-    if (!n.empty() && n == word) return i;
+// Whether a folded word is `name` folded, with the name's trailing dots left out ("Sept." is "sept").
+// Month names are read for every date of an imported page, so plain ASCII names are compared in place
+// and only the others go through the full case folding.
+bool IsFoldedName(const Text& word, TextView name) {
+  while (!name.empty() && name.back() == u'.') name.remove_suffix(1);
+  if (name.empty()) return false;
+  bool ascii = true;
+  for (char16_t c : name) ascii = ascii && c < 0x80;
+  if (!ascii) return Fold(name) == word;
+  if (name.size() != word.size()) return false;
+  for (size_t i = 0; i < name.size(); ++i) {
+    char16_t c = name[i];
+    if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c - u'A' + u'a');
+    if (c != word[i]) return false;
   }
+  return true;
+}
+
+int FindName(const Text& word, const Text* names, int count) {
+  for (int i = 0; i < count; ++i)
+    if (IsFoldedName(word, names[i])) return i;
   return -1;
 }
 
