@@ -16,6 +16,7 @@
 #include "import/site_clock_screen.h"
 #include "screen/main/main_form.h"
 #include "screen/main/startup.h"
+#include "screen/testing.h"
 
 namespace lw {
 namespace {
@@ -25,12 +26,8 @@ namespace fs = std::filesystem;
 class AuctionScreenTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    dir_ = fs::temp_directory_path() / ("lw_auction_" + std::to_string(::getpid()) + "_" +
-                                        ::testing::UnitTest::GetInstance()->current_test_info()->name());
-    fs::remove_all(dir_);
-    fs::create_directories(dir_ / "data");
-    setenv("XDG_DATA_HOME", (dir_ / "data").c_str(), 1);
-    setenv("XDG_CONFIG_HOME", (dir_ / "config").c_str(), 1);
+    dir_ = testing::FreshTestHome("lw_auction_",
+                                  ::testing::UnitTest::GetInstance()->current_test_info()->name());
   }
   void TearDown() override {
     program_.reset();

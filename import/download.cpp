@@ -223,6 +223,19 @@ Text fetch_address(ImportScreen& screen) {
   return u"http://" + txtIP(screen).text() + txtURL(screen).text();
 }
 
+// The blocking fetch of txtIP and txtURL under the hourglass, past the cache. A failed fetch gives an
+// empty page, which the parser then reports.
+Text blocking_fetch(ImportScreen& screen) {
+  Pointer(screen, true);
+  std::string address = ToUtf8(fetch_address(screen));
+  DeleteUrlCacheEntry(address);
+  try {
+    return transports(screen).Inet1->OpenURL(address);
+  } catch (const RuntimeError&) {
+    return {};
+  }
+}
+
 std::filesystem::path auctimp_file(ImportScreen& screen) {
   return Prog(screen).DbFile(u"\\auctimp.htm");
 }
@@ -399,16 +412,7 @@ void download_auctions_2(ImportScreen& screen) {
     parse_HTML(buffer, [&screen](const Text& t) { Status(screen, t); });
     pre_parse_HTML(buffer);
   } else {
-    Pointer(screen, true);
-    std::string address = ToUtf8(fetch_address(screen));
-    DeleteUrlCacheEntry(address);
-    Text page;
-    try {
-      page = transports(screen).Inet1->OpenURL(address);
-    } catch (const RuntimeError&) {
-      // Nothing came: the parser finds an empty page and says so.
-    }
-    buffer.set_text(page);
+    buffer.set_text(blocking_fetch(screen));
     if (ebay) buffer.SaveFile(last_good_file(screen), 1);
     if (!jobs.description_html_pending) {
       pre_parse_HTML(buffer);
@@ -461,15 +465,7 @@ void dispatch_import(ImportScreen& screen, bool clear_web_view_mode) {
 }
 
 void download_auctions_3(ImportScreen& screen) {
-  Pointer(screen, true);
-  std::string address = ToUtf8(fetch_address(screen));
-  DeleteUrlCacheEntry(address);
-  Text page;
-  try {
-    page = transports(screen).Inet1->OpenURL(address);
-  } catch (const RuntimeError&) {
-    // As with the other blocking fetch, the parser reports the empty page.
-  }
+  Text page = blocking_fetch(screen);
   screen.buffer.set_text(page);
   if (IsEbay(screen)) screen.buffer.SaveFile(last_good_file(screen), 1);
   pre_parse_HTML(screen.buffer);

@@ -13,6 +13,7 @@
 #include "platform/loopback_http_server.h"
 #include "screen/main/main_form.h"
 #include "screen/main/startup.h"
+#include "screen/testing.h"
 
 namespace lw {
 namespace {
@@ -59,12 +60,8 @@ std::string ReadFile(const fs::path& path) {
 class DownloadTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    dir_ = fs::temp_directory_path() / ("lw_download_" + std::to_string(::getpid()) + "_" +
-                                        ::testing::UnitTest::GetInstance()->current_test_info()->name());
-    fs::remove_all(dir_);
-    fs::create_directories(dir_ / "data");
-    setenv("XDG_DATA_HOME", (dir_ / "data").c_str(), 1);
-    setenv("XDG_CONFIG_HOME", (dir_ / "config").c_str(), 1);
+    dir_ = testing::FreshTestHome("lw_download_",
+                                  ::testing::UnitTest::GetInstance()->current_test_info()->name());
   }
   void TearDown() override {
     program_.reset();

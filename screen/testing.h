@@ -2,7 +2,11 @@
 // of the user and answers from queues, and a screen with a bare form to put controls on.
 #pragma once
 
+#include <stdlib.h>
+#include <unistd.h>
+
 #include <deque>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -51,6 +55,18 @@ class RecordingUi : public Ui {
   }
   [[noreturn]] void EndProcess(int code) override { throw ProcessEnd{code}; }
 };
+
+// A fresh folder for the running test, named by `prefix`, the process and the test, with the default
+// store folder and the settings folder pointed into it. The test removes it when done.
+inline std::filesystem::path FreshTestHome(const std::string& prefix, const std::string& test_name) {
+  namespace fs = std::filesystem;
+  fs::path dir = fs::temp_directory_path() / (prefix + std::to_string(::getpid()) + "_" + test_name);
+  fs::remove_all(dir);
+  fs::create_directories(dir / "data");
+  setenv("XDG_DATA_HOME", (dir / "data").c_str(), 1);
+  setenv("XDG_CONFIG_HOME", (dir / "config").c_str(), 1);
+  return dir;
+}
 
 // A screen with one plain form named "main".
 struct TestScreen {

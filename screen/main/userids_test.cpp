@@ -68,12 +68,8 @@ class Ui : public testing::RecordingUi {
 class UseridTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    dir_ = fs::temp_directory_path() / ("lw_userids_" + std::to_string(::getpid()) + "_" +
-                                        ::testing::UnitTest::GetInstance()->current_test_info()->name());
-    fs::remove_all(dir_);
-    fs::create_directories(dir_ / "data");
-    setenv("XDG_DATA_HOME", (dir_ / "data").c_str(), 1);
-    setenv("XDG_CONFIG_HOME", (dir_ / "config").c_str(), 1);
+    dir_ = testing::FreshTestHome("lw_userids_",
+                                  ::testing::UnitTest::GetInstance()->current_test_info()->name());
   }
   void TearDown() override {
     program_.reset();

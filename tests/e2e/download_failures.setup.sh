@@ -1,9 +1,4 @@
-# A bidder "alice" whose list host refuses connections; the seller list comes from the loopback server.
-mkdir -p "$XDG_CONFIG_HOME/lotwright" "$XDG_DATA_HOME/lotwright"
-printf '[Lotwright/Hosts]\nsignin=127.0.0.1:%s\nitem=127.0.0.1:9\n[Lotwright/Network]\ntimeout=3\n' "$LW_E2E_PORT" \
-  > "$XDG_CONFIG_HOME/lotwright/settings.ini"
-store="$XDG_DATA_HOME/lotwright/lw.mdb"
-cp "$LW_BINARY_DIR/share/lw.mdb" "$store"
-sqlite3 "$store" "UPDATE setup SET Userid = 'alice', Password = 'secret';
-  UPDATE misc SET servername_import = '127.0.0.1:$LW_E2E_PORT', servername_import1 = '127.0.0.1:9';
-  DELETE FROM seller; DELETE FROM bidder"
+# A bidder "alice" whose list host refuses connections (the discard port); the seller list comes from
+# the loopback server.
+bidder_list_port=9
+. "$LW_E2E_DIR/download_bidder.setup.sh"
