@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <string>
 
+#include "bench/bench_screen.h"
 #include "screen/main/main_form.h"
 #include "screen/main/startup.h"
 
@@ -17,26 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The user's part: every question gets its first button, modal forms close at once.
-class QuietUi : public lw::Ui {
- public:
-  lw::MsgAnswer MsgBox(const lw::Text&, const lw::Text&, lw::MsgButtons b, lw::MsgIcon) override {
-    return lw::ButtonsOf(b).front();
-  }
-  std::optional<lw::FileDialogAnswer> ShowOpen(const lw::FileDialogRequest&) override { return std::nullopt; }
-  std::optional<lw::FileDialogAnswer> ShowSave(const lw::FileDialogRequest&) override { return std::nullopt; }
-  std::optional<lw::Colour> ChooseColour(lw::Colour) override { return std::nullopt; }
-  void SetWaitCursor(bool) override {}
-  void ShowModal(lw::Form& form) override { form.Unload(); }
-  void PopupMenu(lw::Form&, lw::Menu&) override {}
-  void SetClipboardText(const lw::Text&) override {}
-  void ClearClipboard() override {}
-  lw::Text ClipboardText() override { return {}; }
-  void OpenHelp(const fs::path&, int) override {}
-  void OpenAddress(const lw::Text&) override {}
-  void StartProgram(const fs::path&, const std::vector<lw::Text>&) override {}
-  [[noreturn]] void EndProcess(int code) override { throw lw::ProcessEnd{code}; }
-};
+using lw::bench::QuietUi;
 
 // 30,000 rows of user id "bench" in a mix of states: a quarter each in progress, ended and unpaid, ended
 // and complete, and not yet submitted.
@@ -48,24 +30,14 @@ struct Screen {
   std::unique_ptr<lw::Program> program;
 
   Screen() {
-    dir = fs::temp_directory_path() / ("lw_views_bench_" + std::to_string(::getpid()));
-    fs::remove_all(dir);
-    fs::create_directories(dir / "data" / "lotwright");
-    setenv("XDG_DATA_HOME", (dir / "data").c_str(), 1);
-    setenv("XDG_CONFIG_HOME", (dir / "config").c_str(), 1);
-    fs::path store = dir / "data" / "lotwright" / "lw.mdb";
-    fs::copy_file(LW_SHIPPED_STORE, store);
-    sqlite3* db = nullptr;
-    sqlite3_open(store.c_str(), &db);
-    sqlite3_exec(db,
-                 "UPDATE setup SET Userid = 'bench'; DELETE FROM seller;"
-                 "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 30000) "
-                 "INSERT INTO seller (Item, Title, username, site, Price, \"End\", Completed, Trans_comp, "
-                 "pending) SELECT 100000000 + i, 'Auction number ' || i, 'bench', 'eBay', i * 10000, "
-                 "46000 + i / 100.0, CASE WHEN i % 4 IN (1, 2) THEN -1 ELSE 0 END, "
-                 "CASE WHEN i % 4 = 2 THEN -1 ELSE 0 END, CASE WHEN i % 4 = 3 THEN -1 ELSE 0 END FROM n;",
-                 nullptr, nullptr, nullptr);
-    sqlite3_close(db);
+    dir = lw::bench::PrepareBenchHome(
+        "lw_views_bench_",
+        "UPDATE setup SET Userid = 'bench'; DELETE FROM seller;"
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 30000) "
+        "INSERT INTO seller (Item, Title, username, site, Price, \"End\", Completed, Trans_comp, "
+        "pending) SELECT 100000000 + i, 'Auction number ' || i, 'bench', 'eBay', i * 10000, "
+        "46000 + i / 100.0, CASE WHEN i % 4 IN (1, 2) THEN -1 ELSE 0 END, "
+        "CASE WHEN i % 4 = 2 THEN -1 ELSE 0 END, CASE WHEN i % 4 = 3 THEN -1 ELSE 0 END FROM n;");
     queue = std::make_unique<lw::EventQueue>();
     settings = std::make_unique<lw::Settings>(dir / "config" / "settings.ini");
     program = std::make_unique<lw::Program>(ui, *queue, *settings,

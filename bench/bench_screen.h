@@ -1,0 +1,58 @@
+// What the benchmarks of the whole screen share: a user who answers every question with its first
+// button, and a fresh home whose default store folder holds the shipped store filled by one statement.
+#pragma once
+
+#include <sqlite3.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+#include "screen/form.h"
+#include "screen/ui.h"
+
+namespace lw::bench {
+
+class QuietUi : public Ui {
+ public:
+  MsgAnswer MsgBox(const Text&, const Text&, MsgButtons b, MsgIcon) override { return ButtonsOf(b).front(); }
+  std::optional<FileDialogAnswer> ShowOpen(const FileDialogRequest&) override { return std::nullopt; }
+  std::optional<FileDialogAnswer> ShowSave(const FileDialogRequest&) override { return std::nullopt; }
+  std::optional<Colour> ChooseColour(Colour) override { return std::nullopt; }
+  void SetWaitCursor(bool) override {}
+  void ShowModal(Form& form) override { form.Unload(); }
+  void PopupMenu(Form&, Menu&) override {}
+  void SetClipboardText(const Text&) override {}
+  void ClearClipboard() override {}
+  Text ClipboardText() override { return {}; }
+  void OpenHelp(const std::filesystem::path&, int) override {}
+  void OpenAddress(const Text&) override {}
+  void StartProgram(const std::filesystem::path&, const std::vector<Text>&) override {}
+  [[noreturn]] void EndProcess(int code) override { throw ProcessEnd{code}; }
+};
+
+// A fresh folder named by `prefix` and the process, with XDG_DATA_HOME and XDG_CONFIG_HOME in it and the
+// shipped store in the default store folder, filled by `fill` (SQLite's own SQL). Returns the folder.
+inline std::filesystem::path PrepareBenchHome(const std::string& prefix, const char* fill) {
+  namespace fs = std::filesystem;
+  fs::path dir = fs::temp_directory_path() / (prefix + std::to_string(::getpid()));
+  fs::remove_all(dir);
+  fs::create_directories(dir / "data" / "lotwright");
+  setenv("XDG_DATA_HOME", (dir / "data").c_str(), 1);
+  setenv("XDG_CONFIG_HOME", (dir / "config").c_str(), 1);
+  fs::path store = dir / "data" / "lotwright" / "lw.mdb";
+  fs::copy_file(LW_SHIPPED_STORE, store);
+  sqlite3* db = nullptr;
+  char* error = nullptr;
+  bool ok = sqlite3_open(store.c_str(), &db) == SQLITE_OK &&
+            sqlite3_exec(db, fill, nullptr, nullptr, &error) == SQLITE_OK;
+  std::string why = error ? error : db ? sqlite3_errmsg(db) : "cannot open the store";
+  sqlite3_free(error);
+  sqlite3_close(db);
+  if (!ok) throw std::runtime_error("filling the bench store: " + why);
+  return dir;
+}
+
+}  // namespace lw::bench
