@@ -14,6 +14,24 @@
 namespace lw::store {
 namespace {
 
+// Reads a quoted literal whose opening quote `quote` stands just before `j`: a doubled quote inside
+// stands for one quote, any other ends it. Leaves `j` on the closing quote (or at the end when there is
+// none) and says whether it was closed.
+bool ReadQuoted(TextView s, char16_t quote, size_t& j, Text& value) {
+  while (j < s.size()) {
+    if (s[j] == quote) {
+      if (j + 1 < s.size() && s[j + 1] == quote) {
+        value.push_back(quote);
+        j += 2;
+        continue;
+      }
+      return true;
+    }
+    value.push_back(s[j++]);
+  }
+  return false;
+}
+
 constexpr int kMaxDepth = 200;  // nesting of the parser's own calls
 constexpr size_t kMaxSqlBytes = 1 << 20;
 constexpr size_t kMaxParams = 30000;
@@ -117,19 +135,7 @@ std::vector<Token> Tokenise(TextView s, int* literal_count) {
       // A doubled quote inside stands for one quote; any other quote ends the literal.
       Text value;
       size_t j = i + 1;
-      bool closed = false;
-      while (j < s.size()) {
-        if (s[j] == c) {
-          if (j + 1 < s.size() && s[j + 1] == c) {
-            value.push_back(c);
-            j += 2;
-            continue;
-          }
-          closed = true;
-          break;
-        }
-        value.push_back(s[j++]);
-      }
+      const bool closed = ReadQuoted(s, c, j, value);
       if (!closed)
         Fail(err::kSyntaxError,
              "Syntax error in string in query expression: unterminated text at character " +
@@ -1490,19 +1496,7 @@ bool LiftLiterals(TextView s, LiftedStatement* out) {
     } else if (c == u'\'' || c == u'"') {
       Text value;
       size_t j = i + 1;
-      bool closed = false;
-      while (j < s.size()) {
-        if (s[j] == c) {
-          if (j + 1 < s.size() && s[j + 1] == c) {
-            value.push_back(c);
-            j += 2;
-            continue;
-          }
-          closed = true;
-          break;
-        }
-        value.push_back(s[j++]);
-      }
+      const bool closed = ReadQuoted(s, c, j, value);
       if (!closed) return false;
       out->literals.push_back(std::move(value));
       out->skeleton.push_back(kMarker);
