@@ -11,26 +11,14 @@
 #include <string>
 
 #include "screen/form.h"
-#include "screen/ui.h"
+#include "screen/testing.h"
 
 namespace lw::bench {
 
-class QuietUi : public Ui {
+// Modal forms close at once; every question takes its first button.
+class QuietUi : public testing::StubUi {
  public:
-  MsgAnswer MsgBox(const Text&, const Text&, MsgButtons b, MsgIcon) override { return ButtonsOf(b).front(); }
-  std::optional<FileDialogAnswer> ShowOpen(const FileDialogRequest&) override { return std::nullopt; }
-  std::optional<FileDialogAnswer> ShowSave(const FileDialogRequest&) override { return std::nullopt; }
-  std::optional<Colour> ChooseColour(Colour) override { return std::nullopt; }
-  void SetWaitCursor(bool) override {}
   void ShowModal(Form& form) override { form.Unload(); }
-  void PopupMenu(Form&, Menu&) override {}
-  void SetClipboardText(const Text&) override {}
-  void ClearClipboard() override {}
-  Text ClipboardText() override { return {}; }
-  void OpenHelp(const std::filesystem::path&, int) override {}
-  void OpenAddress(const Text&) override {}
-  void StartProgram(const std::filesystem::path&, const std::vector<Text>&) override {}
-  [[noreturn]] void EndProcess(int code) override { throw ProcessEnd{code}; }
 };
 
 // A fresh folder named by `prefix` and the process, with XDG_DATA_HOME and XDG_CONFIG_HOME in it and the

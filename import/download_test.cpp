@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 // The user of these tests: records message boxes, answers the file dialog from a queue and plays the
 // modal dialog. (A Ui of its own: the test support of the list parsers has a class of the same name.)
-class PlayingUi : public Ui {
+class PlayingUi : public testing::StubUi {
  public:
   struct Box {
     Text title, text;
@@ -35,20 +35,10 @@ class PlayingUi : public Ui {
     boxes.push_back({title, text});
     return ButtonsOf(buttons).front();
   }
-  std::optional<FileDialogAnswer> ShowOpen(const FileDialogRequest&) override { return std::nullopt; }
-  std::optional<FileDialogAnswer> ShowSave(const FileDialogRequest&) override { return std::nullopt; }
-  std::optional<Colour> ChooseColour(Colour) override { return std::nullopt; }
   void SetWaitCursor(bool on) override { wait = on ? 1 : 0; }
   void ShowModal(Form& form) override {
     if (modal) modal(form);
   }
-  void PopupMenu(Form&, Menu&) override {}
-  void SetClipboardText(const Text&) override {}
-  void ClearClipboard() override {}
-  Text ClipboardText() override { return {}; }
-  void OpenHelp(const std::filesystem::path&, int) override {}
-  void OpenAddress(const Text&) override {}
-  void StartProgram(const std::filesystem::path&, const std::vector<Text>&) override {}
   [[noreturn]] void EndProcess(int code) override { throw ProcessEnd{code}; }
 };
 

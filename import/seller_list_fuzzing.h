@@ -13,26 +13,15 @@
 #include "core/primitives/encoding.h"
 #include "core/store/store.h"
 #include "import/import_context.h"
+#include "screen/testing.h"
 
 namespace lw::fuzzing {
 
-class NoUi : public Ui {
+class NoUi : public testing::StubUi {
  public:
   MsgAnswer MsgBox(const Text&, const Text&, MsgButtons buttons, MsgIcon) override {
     return buttons == MsgButtons::YesNo ? MsgAnswer::No : ButtonsOf(buttons).front();
   }
-  std::optional<FileDialogAnswer> ShowOpen(const FileDialogRequest&) override { return std::nullopt; }
-  std::optional<FileDialogAnswer> ShowSave(const FileDialogRequest&) override { return std::nullopt; }
-  std::optional<Colour> ChooseColour(Colour) override { return std::nullopt; }
-  void SetWaitCursor(bool) override {}
-  void ShowModal(Form&) override {}
-  void PopupMenu(Form&, Menu&) override {}
-  void SetClipboardText(const Text&) override {}
-  void ClearClipboard() override {}
-  Text ClipboardText() override { return {}; }
-  void OpenHelp(const std::filesystem::path&, int) override {}
-  void OpenAddress(const Text&) override {}
-  void StartProgram(const std::filesystem::path&, const std::vector<Text>&) override {}
   [[noreturn]] void EndProcess(int code) override { throw ProcessEnd{code}; }
 };
 

@@ -18,6 +18,7 @@
 #include "import/file_display.h"
 #include "import/import_context.h"
 #include "import/normalise.h"
+#include "screen/testing.h"
 
 namespace lw::testing {
 
@@ -27,7 +28,7 @@ struct ShownMessage {
   MsgIcon icon;
 };
 
-class ImportRecordingUi : public Ui {
+class ImportRecordingUi : public StubUi {
  public:
   std::vector<ShownMessage> shown;
   std::deque<MsgAnswer> answers;  // queued answers; without one the first button is taken
@@ -41,19 +42,7 @@ class ImportRecordingUi : public Ui {
     }
     return ButtonsOf(buttons).front();
   }
-  std::optional<FileDialogAnswer> ShowOpen(const FileDialogRequest&) override { return std::nullopt; }
-  std::optional<FileDialogAnswer> ShowSave(const FileDialogRequest&) override { return std::nullopt; }
-  std::optional<Colour> ChooseColour(Colour) override { return std::nullopt; }
   void SetWaitCursor(bool on) override { wait_cursor = on; }
-  void ShowModal(Form&) override {}
-  void PopupMenu(Form&, Menu&) override {}
-  void SetClipboardText(const Text&) override {}
-  void ClearClipboard() override {}
-  Text ClipboardText() override { return {}; }
-  void OpenHelp(const std::filesystem::path&, int) override {}
-  void OpenAddress(const Text&) override {}
-  void StartProgram(const std::filesystem::path&, const std::vector<Text>&) override {}
-  [[noreturn]] void EndProcess(int code) override { throw ProcessEnd{code}; }
   bool wait_cursor = false;
 };
 

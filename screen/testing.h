@@ -15,7 +15,29 @@
 
 namespace lw::testing {
 
-class RecordingUi : public Ui {
+// A user who is never asked anything that matters: every question takes its first button, dialogs are
+// cancelled, and the rest does nothing. Test users derive from it and play the parts they test.
+class StubUi : public Ui {
+ public:
+  MsgAnswer MsgBox(const Text&, const Text&, MsgButtons buttons, MsgIcon) override {
+    return ButtonsOf(buttons).front();
+  }
+  std::optional<FileDialogAnswer> ShowOpen(const FileDialogRequest&) override { return std::nullopt; }
+  std::optional<FileDialogAnswer> ShowSave(const FileDialogRequest&) override { return std::nullopt; }
+  std::optional<Colour> ChooseColour(Colour) override { return std::nullopt; }
+  void PopupMenu(Form&, Menu&) override {}
+  void SetClipboardText(const Text&) override {}
+  void ClearClipboard() override {}
+  Text ClipboardText() override { return {}; }
+  void OpenHelp(const std::filesystem::path&, int) override {}
+  void OpenAddress(const Text&) override {}
+  void StartProgram(const std::filesystem::path&, const std::vector<Text>&) override {}
+  [[noreturn]] void EndProcess(int code) override { throw ProcessEnd{code}; }
+  void SetWaitCursor(bool) override {}
+  void ShowModal(Form&) override {}
+};
+
+class RecordingUi : public StubUi {
  public:
   struct Box {
     Text title, text;
@@ -37,23 +59,16 @@ class RecordingUi : public Ui {
     answers.pop_front();
     return a;
   }
-  std::optional<FileDialogAnswer> ShowOpen(const FileDialogRequest&) override { return std::nullopt; }
-  std::optional<FileDialogAnswer> ShowSave(const FileDialogRequest&) override { return std::nullopt; }
-  std::optional<Colour> ChooseColour(Colour) override { return std::nullopt; }
   void SetWaitCursor(bool on) override { wait += on ? 1 : -1; }
   void ShowModal(Form& form) override {
     if (modal) modal(form);
   }
-  void PopupMenu(Form&, Menu&) override {}
   void SetClipboardText(const Text& text) override { clipboard = text; }
   void ClearClipboard() override { clipboard.clear(); }
   Text ClipboardText() override { return clipboard; }
-  void OpenHelp(const std::filesystem::path&, int) override {}
-  void OpenAddress(const Text&) override {}
   void StartProgram(const std::filesystem::path& program, const std::vector<Text>&) override {
     started.push_back(Text(program.u16string()));
   }
-  [[noreturn]] void EndProcess(int code) override { throw ProcessEnd{code}; }
 };
 
 // A fresh folder for the running test, named by `prefix`, the process and the test, with the default
