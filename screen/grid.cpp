@@ -217,6 +217,15 @@ void Grid::UserRow(int row) {
   Fire(OnClick);
 }
 
+void Grid::UserResizeColumn(int col, int width) {
+  RequireReachable("resize a column of");
+  if (col < 0 || col >= ColumnCount())
+    throw UserError("grid " + ToUtf8(Reference()) + " has no column " + std::to_string(col));
+  if (width < 0) throw UserError("a column width is a number of twips from 0");
+  columns[col].width = width;
+  if (OnColResize) OnColResize(col);
+}
+
 std::optional<Text> Grid::Property(TextView name, const std::vector<Text>& args) const {
   const Text n = FoldName(name);
   if (args.empty()) {

@@ -60,12 +60,16 @@ class Grid : public Control {
 
   std::function<void(int last_row, int last_col)> OnRowColChange;
   std::function<void(int col)> OnHeadClick;
+  // After the user dragged a heading border: the column and its new width are in `columns`.
+  std::function<void(int col)> OnColResize;
   // Asked for the tip of a heading; may set `tip`.
   std::function<void(int col, Text& tip)> OnColumnTip;
 
   // The driver: `click grid N` clicks heading N; `row grid N` clicks row N.
   void UserClick(const Text* argument) override;
   void UserRow(int row);
+  // `resize grid N WIDTH`: the user drags the right border of heading N to WIDTH twips.
+  void UserResizeColumn(int col, int width);
   std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;
 
  private:

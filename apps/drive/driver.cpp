@@ -318,6 +318,15 @@ void Driver::Dispatch(const std::vector<Text>& words) {
     if (!ParseInt(words[2], row)) throw UserError("row takes a row number from 0");
     return grid->UserRow(row);
   }
+  if (cmd == u"resize") {
+    if (n != 3) throw Usage("resize GRID COLUMN WIDTH");
+    auto* grid = dynamic_cast<Grid*>(&ResolveControl(words[1]));
+    if (!grid) throw UserError(U8(words[1]) + " is not a grid");
+    int col = 0, width = 0;
+    if (!ParseInt(words[2], col) || !ParseInt(words[3], width))
+      throw UserError("resize takes a column number from 0 and a width in twips");
+    return grid->UserResizeColumn(col, width);
+  }
   if (cmd == u"key") {
     if (n != 2) throw Usage("key REF KEY");
     return CmdKey(words[1], words[2]);

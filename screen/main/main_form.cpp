@@ -199,6 +199,14 @@ void MainForm::BuildControls() {
 
   seller_grid.SetDataSource(&seller);
   buyer_grid.SetDataSource(&Bidder);
+  // A column the user widens or narrows keeps its width for the next start.
+  for (auto [grid, section] :
+       {std::pair{&seller_grid, u"Sellergrid"}, std::pair{&buyer_grid, u"Buyergrid"}}) {
+    grid->OnColResize = [this, grid, section](int col) {
+      program_->settings.SaveSetting(kAppKey, section, FromUtf8(std::to_string(col)),
+                                     FromUtf8(std::to_string(grid->column(col).width)));
+    };
+  }
   buyer_grid.SetVisible(false);
   seller.OnReposition = [this] { OnRowChange(true); };
   Bidder.OnReposition = [this] { OnRowChange(false); };
