@@ -17,6 +17,8 @@ Text FromCp1252(std::string_view bytes);
 // Text to windows-1252; characters it cannot hold become '?'.
 std::string ToCp1252(TextView text);
 // Plain ASCII/UTF-8 literal to text, for program constants: T("Seller").
-inline Text T(std::string_view utf8) { return FromUtf8(utf8); }
+inline Text T(std::string_view utf8) {
+  return FromUtf8(utf8);
+}
 
 }  // namespace lw
