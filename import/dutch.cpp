@@ -3,6 +3,7 @@
 #include "core/primitives/convert.h"
 #include "core/primitives/encoding.h"
 #include "core/primitives/text.h"
+#include "import/seller_list.h"
 
 namespace lw {
 
@@ -36,28 +37,6 @@ Currency FieldMoney(const Recordset& rs, TextView name, const Regional& regional
 // reads the same either way and the rows written by earlier versions were found by exactly this.
 Text BuyerCriteria(const Text& item, const Text& id) {
   return u"Item = " + Quoted(item) + u"and id = " + Quoted(id);
-}
-
-// Like the list import's handler: the message, the Last Import page or the view, the mending menu.
-void DutchLineFailed(ImportContext& ctx) {
-  if (ctx.seller.HasRecordset() && ctx.seller.recordset().EditInProgress()) {
-    try {
-      ctx.seller.recordset().CancelUpdate();
-    } catch (const RuntimeError&) {
-    }
-  }
-  MsgAnswer answer = ctx.ui.MsgBox(
-      u"Errors Importing Data.",
-      Text(u"Errors Importing Data. Check the message in the status bar for the auction concerned.") + kCrLf +
-          u"Do you want to check the 'Last Import' Form for errors.",
-      MsgButtons::YesNo, MsgIcon::Exclamation);
-  if (answer == MsgAnswer::Yes) {
-    if (ctx.show_last_import) ctx.show_last_import();
-    ctx.Status(u"Displaying Last Imported Data");
-  } else if (ctx.auction_filter) {
-    ctx.auction_filter();
-  }
-  if (ctx.enable_advanced_edit) ctx.enable_advanced_edit(true);
 }
 
 // The text from `from` up to and with the next line feed (or to the end).
@@ -235,7 +214,7 @@ void get_seller_dutch_auctions(ImportContext& ctx, FileDisplay& buffer) {
   try {
     WalkSellerPage(ctx, buffer);
   } catch (const std::exception&) {
-    DutchLineFailed(ctx);
+    report_line_error(ctx);
   }
 }
 
@@ -330,7 +309,7 @@ void parse_seller_dutch_auctions(ImportContext& ctx, const Text& raw_line, Dutch
     walk.items_sold += quantity;
     ctx.Status(u"Processing ...... please wait.");
   } catch (const std::exception&) {
-    DutchLineFailed(ctx);
+    report_line_error(ctx);
   }
 }
 

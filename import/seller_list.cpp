@@ -311,29 +311,36 @@ void MergeSellerRecord(ImportContext& ctx, int& added, int& updated) {
 }
 
 void SellerParserFailed(ImportContext& ctx) {
-  if (ctx.seller.HasRecordset() && ctx.seller.recordset().EditInProgress()) {
-    try {
-      ctx.seller.recordset().CancelUpdate();
-    } catch (const RuntimeError&) {
-    }
-  }
-  MsgAnswer answer = ctx.ui.MsgBox(u"Errors Importing Data.",
-                                   Text(u"Errors Importing Data. Check the message in the status bar for the "
-                                        u"auction concerned.") +
-                                       kCrLf + u"Do you want to check the 'Last Import' Form for errors.",
-                                   MsgButtons::YesNo, MsgIcon::Exclamation);
+  report_line_error(ctx);
+  for (Text& slot : ctx.state.current_fields) slot.clear();
+  ctx.state.stop_import = true;
+}
+
+}  // namespace
+
+void offer_last_import(ImportContext& ctx, const Text& title, const Text& first_line) {
+  MsgAnswer answer =
+      ctx.ui.MsgBox(title, first_line + kCrLf + u"Do you want to check the 'Last Import' Form for errors.",
+                    MsgButtons::YesNo, MsgIcon::Exclamation);
   if (answer == MsgAnswer::Yes) {
     if (ctx.show_last_import) ctx.show_last_import();
     ctx.Status(u"Displaying Last Imported Data");
   } else if (ctx.auction_filter) {
     ctx.auction_filter();
   }
-  if (ctx.enable_advanced_edit) ctx.enable_advanced_edit(true);
-  for (Text& slot : ctx.state.current_fields) slot.clear();
-  ctx.state.stop_import = true;
 }
 
-}  // namespace
+void report_line_error(ImportContext& ctx) {
+  if (ctx.seller.HasRecordset() && ctx.seller.recordset().EditInProgress()) {
+    try {
+      ctx.seller.recordset().CancelUpdate();
+    } catch (const RuntimeError&) {
+    }
+  }
+  offer_last_import(ctx, u"Errors Importing Data.",
+                    u"Errors Importing Data. Check the message in the status bar for the auction concerned.");
+  if (ctx.enable_advanced_edit) ctx.enable_advanced_edit(true);
+}
 
 bool walk_list_lines(ImportContext& ctx, FileDisplay& buffer, const ListWalk& walk,
                      const std::function<void(int&, int&)>& parse_line, int& added, int& updated) {
@@ -471,16 +478,7 @@ void get_ebay_seller_auctions_2(ImportContext& ctx, FileDisplay& buffer) {
       if (ctx.auction_filter) ctx.auction_filter();
       return;
     }
-    MsgAnswer answer = ctx.ui.MsgBox(u"No Auctions Imported.",
-                                     Text(u"No auctions were imported.") + kCrLf +
-                                         u"Do you want to check the 'Last Import' Form for errors.",
-                                     MsgButtons::YesNo, MsgIcon::Exclamation);
-    if (answer == MsgAnswer::Yes) {
-      if (ctx.show_last_import) ctx.show_last_import();
-      ctx.Status(u"Displaying Last Imported Data");
-    } else if (ctx.auction_filter) {
-      ctx.auction_filter();
-    }
+    offer_last_import(ctx, u"No Auctions Imported.", u"No auctions were imported.");
   });
 }
 

@@ -25,6 +25,12 @@ struct ListWalk {
 bool walk_list_lines(ImportContext& ctx, FileDisplay& buffer, const ListWalk& walk,
                      const std::function<void(int&, int&)>& parse_line, int& added, int& updated);
 
+// Asks whether to look at the Last Import page ("{first_line}" and the question under it): Yes shows it,
+// No rebuilds the view.
+void offer_last_import(ImportContext& ctx, const Text& title, const Text& first_line);
+// The handler of a line the seller list or Dutch parser could not take: the half-written row dropped,
+// the message with the Last Import page or the view, the Advanced Import Edit menu enabled.
+void report_line_error(ImportContext& ctx);
 // The handler of both line loops: status text by error number, the pointer restored.
 void report_line_loop_error(ImportContext& ctx, int number);
 // Runs a list import's line loop; any error that escapes it ends in the line loop's message.
