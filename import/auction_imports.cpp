@@ -15,21 +15,7 @@ namespace {
 
 // A text column of the misc row: the hosts of the commands live there.
 Text MiscText(ImportScreen& s, TextView column) {
-  Program& p = s.program();
-  Recordset* misc = p.startup.misc.get();
-  if (!misc || misc->Eof() || misc->Bof()) return {};
-  Variant v = misc->Fields(column);
-  return v.IsNull() ? Text() : CStr(v, p.regional);
-}
-
-// The setup row of the current user id, Null as nothing.
-std::optional<Text> SetupText(MainForm& f, TextView column) {
-  if (!f.setup_datacontrl.HasRecordset()) return std::nullopt;
-  Recordset& rs = f.setup_datacontrl.recordset();
-  if (rs.Eof() || rs.Bof()) return std::nullopt;
-  Variant v = rs.Fields(column);
-  if (v.IsNull()) return std::nullopt;
-  return CStr(v, f.program().regional);
+  return RowText(s.MiscRow(), column, s.program().regional);
 }
 
 Text FormText(MainForm& f, TextView name, int index = -1) {
@@ -142,7 +128,7 @@ class DutchBridge {
  public:
   explicit DutchBridge(ImportScreen& s) : s_(s), f_(s.main()) {
     d.servername_dutch = MiscText(s_, u"servername_dutch");
-    d.pass1 = SetupText(f_, u"pass1");
+    d.pass1 = RowValue(s_.SetupRow(), u"pass1", f_.program().regional);
     for (int i = 0; i < 2; ++i) {
       d.Quantity_txt[i] = FormText(f_, u"Quantity_txt", i);
       d.id_pnl[i] = FormText(f_, u"id_pnl", i);

@@ -52,6 +52,7 @@ class AuctionScreenTest : public ::testing::Test {
         "UPDATE misc SET servername_desc = '127.0.0.1:1', servername_ebaymotors = '127.0.0.1:1', "
         "servername_dutch = '127.0.0.1:1', servername_email = '127.0.0.1:1'");
     program_->startup.misc->Requery();
+    program_->main->Misc.Refresh();  // the screen's cursor on the row, which the commands read first
     ui_.shown.clear();
   }
 

@@ -59,24 +59,13 @@ bool IsSeller(ImportScreen& screen) {
   return Main(screen).Auction_type_lst.text() == u"Seller";
 }
 
-Text FieldText(Recordset* rs, TextView column) {
-  if (!rs || rs->Eof() || rs->Bof() || !rs->HasField(column)) return {};
-  Variant v = rs->Fields(column);
-  if (const Text* t = v.text()) return *t;
-  return v.IsNull() ? Text() : CStr(v, Regional());
-}
-
-Recordset* SetupRow(ImportScreen& screen) {
-  DataControl& setup = Main(screen).setup_datacontrl;
-  return setup.HasRecordset() ? &setup.recordset() : nullptr;
+Text FieldText(ImportScreen& screen, Recordset* row, TextView column) {
+  return RowText(row, column, Prog(screen).regional);
 }
 
 // A host of the misc row; the shipped store's value when the column is empty.
 Text MiscHost(ImportScreen& screen, TextView column) {
-  Program& p = Prog(screen);
-  Recordset* misc = p.startup.misc.get();
-  if (Main(screen).Misc.HasRecordset()) misc = &Main(screen).Misc.recordset();
-  Text host = FieldText(misc, column);
+  Text host = FieldText(screen, screen.MiscRow(), column);
   if (!host.empty()) return host;
   if (column == u"servername_import" || column == u"servername_import1") return u"cgi6.ebay.com";
   if (column == u"servername_ebaymotors") return u"cgi.ebay.com";
@@ -175,12 +164,12 @@ void sign_in_round_trip(ImportScreen& screen) {
   form.SSTab1.SetTab(kBrowserPage);
   Status(screen, u"You have not signed in");
   Text address = FromUtf8(BaseUrlFor(Prog(screen).settings, "signin")) +
-                 u"/aw-cgi/eBayISAPI.dll?SignIn&pUserId=" + FieldText(SetupRow(screen), u"Userid");
+                 u"/aw-cgi/eBayISAPI.dll?SignIn&pUserId=" + FieldText(screen, screen.SetupRow(), u"Userid");
   Navigate(screen, address);
 }
 
 void capture_pass(ImportScreen& screen) {
-  Recordset* setup = SetupRow(screen);
+  Recordset* setup = screen.SetupRow();
   if (!setup || setup->Eof() || setup->Bof() || !setup->HasField(u"pass1")) return;
   if (!setup->Fields(u"pass1").IsNull()) return;
   const Text& url = Main(screen).WebBrowser1.location_url;
@@ -271,7 +260,7 @@ void import_sell_btn(ImportScreen& screen) {
   form.SSTab1.SetTab(0);
   form.setup_datacontrl.RecordSource = u"Select * From setup where Userid = '" + Userid(screen) + u"'";
   form.setup_datacontrl.Refresh();
-  Text stored = FieldText(SetupRow(screen), u"Userid");
+  Text stored = FieldText(screen, screen.SetupRow(), u"Userid");
   if (!stored.empty() && stored != Userid(screen)) {
     bool was = Prog(screen).main_screen.settling;
     Prog(screen).main_screen.settling = true;
@@ -302,7 +291,7 @@ void import_sell_btn(ImportScreen& screen) {
     txtURL(screen).SetText(u"/eBayISAPI.dll?ViewListedItemsWithEmails&include=1&userid=" + userid +
                            u"&sort=3&rows=0&since=" + jobs.import_days);
   } else {
-    Text password = FieldText(SetupRow(screen), u"Password");
+    Text password = FieldText(screen, screen.SetupRow(), u"Password");
     txtURL(screen).SetText(u"/eBayISAPI.dll?MfcISAPICommand=ViewListedItemsWithEmails&requested=" + userid +
                            u"&completed=0&sort=2&since=" + jobs.import_days + u"&rows=0&userid=" + userid +
                            u"&pass=" + password);
@@ -484,9 +473,9 @@ bool sign_in_form(ImportScreen& screen) {
   if (!std::filesystem::exists(blank, ec)) std::ofstream(blank, std::ios::binary) << kSigninForm;
   FileDisplay form;
   form.LoadFile(blank);
-  Recordset* setup = SetupRow(screen);
-  Text userid = FieldText(setup, u"Userid");
-  Text password = FieldText(setup, u"Password");
+  Recordset* setup = screen.SetupRow();
+  Text userid = FieldText(screen, setup, u"Userid");
+  Text password = FieldText(screen, setup, u"Password");
   Text filled = Replace(form.text(), u"name=\"userid\" value=\"\"", u"name=userid value=" + userid);
   filled = Replace(filled, u"name=\"pass\" value=\"\"", u"name=pass value=" + password);
   form.set_text(filled);
@@ -503,9 +492,9 @@ bool sign_in_form(ImportScreen& screen) {
 
 void download_auctions(ImportScreen& screen) {
   Inet& inet = *transports(screen).Inet1;
-  Recordset* setup = SetupRow(screen);
-  Text userid = FieldText(setup, u"Userid");
-  Text password = FieldText(setup, u"Password");
+  Recordset* setup = screen.SetupRow();
+  Text userid = FieldText(screen, setup, u"Userid");
+  Text password = FieldText(screen, setup, u"Password");
   Text host = MiscHost(screen, u"servername_dutch");
   const Text& item = screen.dutch_item;
   Pointer(screen, true);
@@ -592,7 +581,7 @@ void WebBrowser1_DocumentComplete(ImportScreen& screen) {
       jobs.seller_dutch_pending = false;
     }
   }
-  if (FieldText(SetupRow(screen), u"userid") == kNoUserid) {
+  if (FieldText(screen, screen.SetupRow(), u"userid") == kNoUserid) {
     form.SetFocus(&form.Userid_lst);
     Status(screen, u"You must setup your ebay user details before continuing.");
   }

@@ -23,24 +23,49 @@ MainForm& ImportScreen::main() const {
 
 namespace {
 
-double NumberField(Recordset* rs, TextView column, const Regional& regional) {
-  if (!rs || rs->Eof() || rs->Bof()) return 0;
-  Variant v = rs->Fields(column);
+bool OnRow(Recordset* row, TextView column) {
+  return row && !row->Eof() && !row->Bof() && row->HasField(column);
+}
+
+}  // namespace
+
+std::optional<Text> RowValue(Recordset* row, TextView column, const Regional& regional) {
+  if (!OnRow(row, column)) return std::nullopt;
+  Variant v = row->Fields(column);
+  if (v.IsNull()) return std::nullopt;
+  return CStr(v, regional);
+}
+
+Text RowText(Recordset* row, TextView column, const Regional& regional) {
+  return RowValue(row, column, regional).value_or(Text());
+}
+
+double RowNumber(Recordset* row, TextView column, const Regional& regional) {
+  if (!OnRow(row, column)) return 0;
+  Variant v = row->Fields(column);
   if (v.IsNull()) return 0;
   try {
     return CDbl(v, regional);
   } catch (const RuntimeError&) {
-    return 0;  // a setting typed as text that is no number counts as no offset
+    return 0;  // a setting typed as text that is no number counts as none
   }
 }
 
-Text TextField(Recordset* rs, TextView column, const Regional& regional) {
-  if (!rs || rs->Eof() || rs->Bof()) return {};
-  Variant v = rs->Fields(column);
-  return v.IsNull() ? Text() : CStr(v, regional);
+Recordset* ImportScreen::MiscRow() const {
+  MainForm& form = main();
+  return form.Misc.HasRecordset() ? &form.Misc.recordset() : program_->startup.misc.get();
 }
 
-}  // namespace
+Recordset* ImportScreen::SetupRow() const {
+  DataControl& setup = main().setup_datacontrl;
+  return setup.HasRecordset() ? &setup.recordset() : nullptr;
+}
+
+SiteClockOffsets ImportScreen::Offsets() const {
+  const Regional& r = program_->regional;
+  return {RowNumber(MiscRow(), u"Ebay_hour_difference", r),
+          RowNumber(MiscRow(), u"Ebay_minute_difference", r)};
+}
 
 ImportContext& ImportScreen::Context() {
   Program& p = *program_;
@@ -65,12 +90,8 @@ ImportContext& ImportScreen::Context() {
   ctx.userid = form.Userid_lst.text();
   ctx.site = form.site_lst.text();
   ctx.folder = p.DbFile(u"\\parsed_data.htm").parent_path();
-  // The screen's own cursor on the misc row first: the Setup page writes the offsets through it.
-  Recordset* misc = form.Misc.HasRecordset() ? &form.Misc.recordset() : p.startup.misc.get();
-  ctx.offsets.hour_difference = NumberField(misc, u"Ebay_hour_difference", p.regional);
-  ctx.offsets.minute_difference = NumberField(misc, u"Ebay_minute_difference", p.regional);
-  Recordset* setup = form.setup_datacontrl.HasRecordset() ? &form.setup_datacontrl.recordset() : nullptr;
-  ctx.setup_userid = TextField(setup, u"Userid", p.regional);
+  ctx.offsets = Offsets();
+  ctx.setup_userid = RowText(SetupRow(), u"Userid", p.regional);
   return ctx;
 }
 

@@ -64,6 +64,13 @@ class ImportScreen {
   // row's user id and the site clock offsets are read afresh from the screen on every call.
   ImportContext& Context();
 
+  // The misc row (the screen's own cursor on it, which the Setup page writes, else the one opened at
+  // start) and the current user id's setup row; nullptr when there is none.
+  Recordset* MiscRow() const;
+  Recordset* SetupRow() const;
+  // Ebay_hour_difference and Ebay_minute_difference of the misc row, read afresh.
+  SiteClockOffsets Offsets() const;
+
   // The fetch side's own state: its transports and its dialog. Made by RegisterDownload.
   std::shared_ptr<DownloadState> download;
 
@@ -71,6 +78,13 @@ class ImportScreen {
   Program* program_;
   std::optional<ImportContext> context_;
 };
+
+// A column of a row as text under the locale: nothing for Null, a missing column or no row.
+std::optional<Text> RowValue(Recordset* row, TextView column, const Regional& regional);
+// The same with nothing as the empty text.
+Text RowText(Recordset* row, TextView column, const Regional& regional);
+// A column of a row as a number; Null, text that is no number, a missing column or no row count as 0.
+double RowNumber(Recordset* row, TextView column, const Regional& regional);
 
 // Creates the import screen, keeps it in the program and registers every import routine.
 void RegisterImport(Program& program);

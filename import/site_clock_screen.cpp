@@ -41,28 +41,6 @@ bool HasRow(DataControl& dc) {
   return !rs.Eof() && !rs.Bof();
 }
 
-double OffsetField(Recordset& misc, TextView column, const Regional& r) {
-  Variant v = misc.Fields(column);
-  if (v.IsNull()) return 0;
-  try {
-    return CDbl(v, r);
-  } catch (const RuntimeError&) {
-    return 0;  // a setting that is no number counts as no offset
-  }
-}
-
-// The offsets of the misc row, read afresh from the screen's own cursor on it, which the setup page
-// writes; the import's context reads the same row once the store is open.
-SiteClockOffsets Offsets(ImportScreen& s) {
-  MainForm& f = s.main();
-  if (f.Misc.HasRecordset() && !f.Misc.recordset().Eof() && !f.Misc.recordset().Bof()) {
-    Recordset& misc = f.Misc.recordset();
-    const Regional& r = s.program().regional;
-    return {OffsetField(misc, u"Ebay_hour_difference", r), OffsetField(misc, u"Ebay_minute_difference", r)};
-  }
-  return s.Context().offsets;
-}
-
 // Whether the date edit shows the day first: its own property, else what the locale says.
 bool DayFirst(MainForm& f, int index) {
   if (auto* d = dynamic_cast<DateEditBox*>(f.Find(u"ctDEdit1", index))) return d->day_first != 0;
@@ -147,7 +125,7 @@ void SpinScheduleTime(MainForm& f, int direction) {
 void CalculateTime(ImportScreen& s) {
   MainForm& f = s.main();
   Program& p = s.program();
-  SiteClockOffsets o = Offsets(s);
+  SiteClockOffsets o = s.Offsets();
   Date now = p.clock.Now();
   auto& clock = f.Get<ClockControl>(u"MhClock_ebay_time");
   // The clock shows the computer's time moved by its offsets; its minute is read once they are set.
@@ -198,7 +176,7 @@ void AuctionEndTime(ImportScreen& s, SiteClockState& state) {
   MainForm& f = s.main();
   Program& p = s.program();
   try {
-    SiteClockOffsets o = Offsets(s);
+    SiteClockOffsets o = s.Offsets();
     Date now = p.clock.Now();
     p.locale.site_now = site_now(now, o);
     DataControl& dc = Side(f);
@@ -223,7 +201,7 @@ void AuctionEndTime2(ImportScreen& s) {
     DataControl& dc = Side(f);
     if (!HasRow(dc)) return;
     Date end = CDate(dc.recordset().Fields(u"End"), p.regional);
-    Show(f, u"calculate_time_left_lbl", -1, auction_end_time_2(end, p.clock.Now(), Offsets(s)));
+    Show(f, u"calculate_time_left_lbl", -1, auction_end_time_2(end, p.clock.Now(), s.Offsets()));
   } catch (const RuntimeError&) {
     // No end on the row: the label keeps its text until the next row.
   }
