@@ -1,6 +1,6 @@
 #include "platform/form_reader.h"
 
-#include <cctype>
+#include "platform/http_session.h"
 
 namespace lw {
 
@@ -25,21 +25,6 @@ std::string FormReader::FormQuery() const {
     query += PercentEncode(name) + "=" + PercentEncode(value);
   }
   return query;
-}
-
-std::string PercentEncode(const std::string& value) {
-  static const char* kHex = "0123456789ABCDEF";
-  std::string out;
-  for (unsigned char ch : value) {
-    if (std::isalnum(ch) || ch == '-' || ch == '_' || ch == '.' || ch == '~') {
-      out.push_back(static_cast<char>(ch));
-    } else {
-      out.push_back('%');
-      out.push_back(kHex[ch >> 4]);
-      out.push_back(kHex[ch & 15]);
-    }
-  }
-  return out;
 }
 
 }  // namespace lw

@@ -26,8 +26,4 @@ class FormReader {
   size_t index_ = 0;
 };
 
-// Percent-encoding of a query value: letters, digits and "-_.~" stay, everything else (blanks too)
-// becomes %XX of its UTF-8 bytes.
-std::string PercentEncode(const std::string& value);
-
 }  // namespace lw

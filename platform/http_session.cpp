@@ -1,5 +1,8 @@
 #include "platform/http_session.h"
 
+#include <cctype>
+#include <cstring>
+
 #include <curl/curl.h>
 
 #include <array>
@@ -176,13 +179,15 @@ std::string ResolveUrl(const std::string& base, const std::string& relative) {
   return out;
 }
 
-std::string FormEncode(const std::string& value) {
+namespace {
+
+std::string Encode(const std::string& value, const char* unreserved, bool blank_as_plus) {
   static const char* kHex = "0123456789ABCDEF";
   std::string out;
   for (unsigned char ch : value) {
-    if (std::isalnum(ch) || ch == '-' || ch == '_' || ch == '.' || ch == '*') {
+    if (std::isalnum(ch) || (ch != 0 && std::strchr(unreserved, ch))) {
       out.push_back(static_cast<char>(ch));
-    } else if (ch == ' ') {
+    } else if (ch == ' ' && blank_as_plus) {
       out.push_back('+');
     } else {
       out.push_back('%');
@@ -191,6 +196,16 @@ std::string FormEncode(const std::string& value) {
     }
   }
   return out;
+}
+
+}  // namespace
+
+std::string FormEncode(const std::string& value) {
+  return Encode(value, "-_.*", true);
+}
+
+std::string PercentEncode(const std::string& value) {
+  return Encode(value, "-_.~", false);
 }
 
 }  // namespace lw

@@ -71,7 +71,11 @@ class HttpSession {
 
 // Resolves `relative` against `base` as a browser does; `relative` when it cannot.
 std::string ResolveUrl(const std::string& base, const std::string& relative);
-// Percent-encoding of a form value (blanks as "+").
+// Percent-encoding of a form value as a browser posts it: letters, digits and "-_.*" stay, blanks
+// become "+", everything else %XX of its UTF-8 bytes.
 std::string FormEncode(const std::string& value);
+// Percent-encoding of a query value: letters, digits and "-_.~" stay, everything else (blanks too)
+// becomes %XX.
+std::string PercentEncode(const std::string& value);
 
 }  // namespace lw
