@@ -28,6 +28,20 @@ struct ProgramFiles {
   std::filesystem::path help;           // the help set's index page
 };
 
+// Raises a flag for a scope and puts back what it was, also when the scope is left by an error: the
+// settling flag while code changes a selector, so that the selector's handler leaves it alone.
+class FlagRaised {
+ public:
+  explicit FlagRaised(bool& flag) : flag_(flag), was_(flag) { flag_ = true; }
+  ~FlagRaised() { flag_ = was_; }
+  FlagRaised(const FlagRaised&) = delete;
+  FlagRaised& operator=(const FlagRaised&) = delete;
+
+ private:
+  bool& flag_;
+  bool was_;
+};
+
 struct Program {
   Program(Ui& ui, EventQueue& queue, Settings& settings, ProgramFiles files)
       : screen(ui, queue), settings(settings), files(std::move(files)) {}

@@ -169,9 +169,10 @@ void MainForm::FillFixedLists() {
   Auction_type_lst.SetListIndex(0);
   Auction_type_lst.OnClick = std::move(handler);
   // Nor the site's: the view is built once the user id and the saved view are known.
-  program_->main_screen.settling = true;
-  site_lst.SetListIndex(0);
-  program_->main_screen.settling = false;
+  {
+    FlagRaised settle(program_->main_screen.settling);
+    site_lst.SetListIndex(0);
+  }
 }
 
 void MainForm::RestoreGridWidths(Grid& grid, const char16_t* section) {
@@ -319,9 +320,10 @@ void MainForm::import_ini_file() {
     p.view.tail = u" order by end desc ";
     p.view.condition = u"where Completed = no and username = '" + userid + u"' and site = '" + site + u"'";
     // The default view keeps its own condition: the status shown is not chosen by the user here.
-    p.main_screen.settling = true;
-    ResumeNext(u, [&] { Auction_status_lst.SetText(u"All Auctions"); });
-    p.main_screen.settling = false;
+    {
+      FlagRaised settle(p.main_screen.settling);
+      ResumeNext(u, [&] { Auction_status_lst.SetText(u"All Auctions"); });
+    }
     seller.RecordSource = p.view.base + p.view.condition + p.view.tail;
     ResumeNext(u, [&] { seller.Refresh(); });
   } else {

@@ -10,19 +10,6 @@
 namespace lw {
 namespace {
 
-// Sets a flag for the life of the object, and clears it again even when the work in between throws.
-class Raise {
- public:
-  explicit Raise(bool& flag) : flag_(flag), was_(flag) { flag_ = true; }
-  ~Raise() { flag_ = was_; }
-  Raise(const Raise&) = delete;
-  Raise& operator=(const Raise&) = delete;
-
- private:
-  bool& flag_;
-  bool was_;
-};
-
 Text FieldText(Recordset& rs, TextView name) {
   Variant v = rs.Fields(name);
   return v.text() ? *v.text() : Text();
@@ -57,7 +44,7 @@ void UseridScreen::Report(const RuntimeError& e) {
 }
 
 void UseridScreen::SelectQuietly(const Text& userid) {
-  Raise settle(program_.main_screen.settling);
+  FlagRaised settle(program_.main_screen.settling);
   form_.Userid_lst.SetText(userid);
 }
 
@@ -89,7 +76,7 @@ void UseridScreen::userid_lst_click() {
     form_.CallRoutine("records_returned");
     form_.CallRoutine("sum_grid");
     // The filter is off for a new user id; clearing it must not run the view a second time.
-    Raise settle(program_.main_screen.settling);
+    FlagRaised settle(program_.main_screen.settling);
     form_.Get(u"Apply_flt_chk").SetValue(0);
   } catch (const RuntimeError& e) {
     Report(e);

@@ -48,16 +48,8 @@ class Views {
   // handlers of the selectors and the filter box leave it alone.
   template <class F>
   void Settling(F&& change) {
-    bool& flag = p_.main_screen.settling;
-    const bool was = flag;
-    flag = true;
-    try {
-      change();
-    } catch (...) {
-      flag = was;
-      throw;
-    }
-    flag = was;
+    FlagRaised settle(p_.main_screen.settling);
+    change();
   }
 
   MainForm& f_;
