@@ -163,6 +163,21 @@ TEST(UserReach, DisabledHiddenLockedAndContainedControlsRefuseTheUser) {
   file.SetEnabled(true);
   exit.UserClick(nullptr);
   EXPECT_EQ(chosen, 1);
+
+  // A hidden menu offers its entries only while it is popped up; disabled, not even then.
+  Menu& popup = t.form.AddMenu(u"duplicate_mnu", u"Duplicate");
+  Menu& copy = t.form.AddMenu(u"copy_mnu", u"Copy", &popup);
+  copy.OnClick = [&] { ++chosen; };
+  popup.SetVisible(false);
+  EXPECT_THROW(copy.UserClick(nullptr), UserRefused);
+  t.form.PopupMenu(popup);
+  copy.UserClick(nullptr);
+  EXPECT_EQ(chosen, 2);
+  popup.SetEnabled(false);
+  EXPECT_THROW(copy.UserClick(nullptr), UserRefused);
+  popup.popped_up = false;
+  popup.SetEnabled(true);
+  EXPECT_THROW(copy.UserClick(nullptr), UserRefused);
 }
 
 TEST(UserKeys, PreviewTypingCancellationAndEnterOnButtons) {

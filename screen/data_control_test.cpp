@@ -161,6 +161,16 @@ TEST_F(Bound, GridShowsTheCursorRowsAndARowClickMovesTheRecord) {
   grid.UserClick(&one);
   EXPECT_EQ(heading, 1);
   EXPECT_THROW(grid.UserClick(&nine), UserError);
+
+  // A dragged heading border gives the column its width and tells the form which column it was.
+  int resized = -1;
+  grid.OnColResize = [&](int col) { resized = col; };
+  grid.UserResizeColumn(2, 1800);
+  EXPECT_EQ(resized, 2);
+  EXPECT_EQ(grid.column(2).width, 1800);
+  EXPECT_THROW(grid.UserResizeColumn(3, 100), UserError);
+  EXPECT_THROW(grid.UserResizeColumn(0, -5), UserError);
+  EXPECT_EQ(grid.column(0).width, -1);
 }
 
 TEST_F(Bound, ANewRowIsTypedIntoTheBoundControlsAndSavedOrDropped) {

@@ -11,6 +11,7 @@
 #include "screen/main/browser_targets.h"
 #include "screen/main/database_location.h"
 #include "screen/main/exit_rules.h"
+#include "screen/main/program.h"
 #include "screen/main/saved_view.h"
 
 namespace lw {
@@ -147,6 +148,19 @@ TEST(BrowserTargetsTest, FirstFlagWinsAndEachTargetHasItsPlace) {
   c.site = u"Amazon";  // a site without an item page goes nowhere
   EXPECT_TRUE(ResolveBrowserTarget(flags, c, settings).address.empty());
   fs::remove_all(dir);
+}
+
+TEST(MainRules, FlagRaisedForAScopeComesDownAgainAfterAnError) {
+  bool settling = false;
+  try {
+    FlagRaised settle(settling);
+    EXPECT_TRUE(settling);
+    { FlagRaised nested(settling); }
+    EXPECT_TRUE(settling);  // the inner scope puts back what it found
+    throw RuntimeError(3075, "bad statement");
+  } catch (const RuntimeError&) {
+  }
+  EXPECT_FALSE(settling);
 }
 
 }  // namespace
