@@ -15,6 +15,12 @@
 # A line "# server: ARGS" in the first script starts http_server.py (pages from tests/e2e/pages, ARGS
 # added) before the setup and stops it at the end; its port is in LW_E2E_PORT, and "@PORT@" in a
 # script is replaced by it.
+# A line "# service: NAME ARGS" (as many as needed) starts tests/e2e/NAME_server.py under
+# /usr/bin/python3 with "--port-file FILE --dir DIR ARGS", where DIR ($LW_E2E_WORK/NAME) is the
+# server's own folder for what it records; the server writes its port to FILE once it listens. The port
+# is in LW_E2E_<NAME>_PORT (NAME upper-cased) and replaces "@<NAME>_PORT@" in the scripts.
+#   NAME.after.sh  optional: runs after the last run, with the same variables; what it prints is added
+#                  to the transcript after a line "--- after ---" (to show what a server recorded)
 # With LW_E2E_UPDATE=1 in the environment the transcript replaces NAME.expected.
 set -u
 
@@ -35,11 +41,16 @@ fi
 
 work=$(mktemp -d "${TMPDIR:-/tmp}/lw-e2e-$name.XXXXXX")
 server_pid=
+service_pids=()
 cleanup() {
   if [[ -n "$server_pid" ]]; then
     kill "$server_pid" 2>/dev/null
     wait "$server_pid" 2>/dev/null
   fi
+  for pid in "${service_pids[@]}"; do
+    kill "$pid" 2>/dev/null
+    wait "$pid" 2>/dev/null
+  done
   rm -rf "$work"
 }
 trap cleanup EXIT
@@ -77,6 +88,38 @@ if [[ -n "$server_line" ]]; then
   export LW_E2E_PORT=$(tr -d '\n' < "$work/port")
 fi
 
+# Waits for a server started in the background to write its port file; false when it never does.
+wait_for_port() {
+  local file=$1 pid=$2
+  for _ in $(seq 100); do
+    [[ -s "$file" ]] && return 0
+    kill -0 "$pid" 2>/dev/null || return 1
+    sleep 0.1
+  done
+  [[ -s "$file" ]]
+}
+
+substitutions=()
+[[ -n "$server_pid" ]] && substitutions+=(-e "s/@PORT@/$LW_E2E_PORT/g")
+while read -r service_line; do
+  [[ -z "$service_line" ]] && continue
+  read -r -a service_args <<< "${service_line#\# service:}"
+  service=${service_args[0]}
+  service_upper=$(echo "$service" | tr '[:lower:]' '[:upper:]')
+  mkdir -p "$work/$service"
+  /usr/bin/python3 "$dir/${service}_server.py" --port-file "$work/$service.port" --dir "$work/$service" \
+    "${service_args[@]:1}" > "$work/$service.log" 2>&1 &
+  service_pids+=($!)
+  if ! wait_for_port "$work/$service.port" "$!"; then
+    echo "run.sh: the $service test server did not start:" >&2
+    cat "$work/$service.log" >&2
+    exit 1
+  fi
+  port=$(tr -d '\n' < "$work/$service.port")
+  export "LW_E2E_${service_upper}_PORT=$port"
+  substitutions+=(-e "s/@${service_upper}_PORT@/$port/g")
+done < <(grep -E '^# service:' "$script" || true)
+
 if [[ -f "$dir/$name.setup.sh" ]]; then
   if ! (cd "$HOME" && env LC_ALL="$run_locale" bash "$dir/$name.setup.sh") > "$work/setup.log" 2>&1; then
     echo "run.sh: $name.setup.sh failed:" >&2
@@ -99,8 +142,8 @@ for run in "${runs[@]}"; do
   want=0
   status_line=$(grep -m1 -E '^# status: *[0-9]+' "$run" || true)
   [[ -n "$status_line" ]] && want=${status_line##*: }
-  if [[ -n "$server_pid" ]]; then
-    sed "s/@PORT@/$LW_E2E_PORT/g" "$run" > "$work/run.lwd"
+  if [[ ${#substitutions[@]} -gt 0 ]]; then
+    sed "${substitutions[@]}" "$run" > "$work/run.lwd"
     run_file="$work/run.lwd"
   else
     run_file="$run"
@@ -113,6 +156,15 @@ for run in "${runs[@]}"; do
     failed=1
   fi
 done
+
+if [[ -f "$dir/$name.after.sh" ]]; then
+  echo "--- after ---" >> "$transcript"
+  if ! (cd "$HOME" && env LC_ALL="$run_locale" bash "$dir/$name.after.sh") >> "$transcript" 2> "$work/after.log"; then
+    echo "run.sh: $name.after.sh failed:" >&2
+    cat "$work/after.log" >&2
+    failed=1
+  fi
+fi
 
 # LW_E2E_UPDATE=1 takes the printed transcript as the new expected one (read the diff before committing).
 if [[ "${LW_E2E_UPDATE:-}" == 1 ]]; then
