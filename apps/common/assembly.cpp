@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "accounting/charges_screen.h"
+#include "accounting/fees_screen.h"
 #include "core/store/store.h"
 #include "import/import_screen.h"
 #include "screen/main/startup.h"
@@ -58,6 +59,7 @@ void RegisterSubsystems(Program& program) {
   // Each subsystem above the screen adds its Register...(program) call here.
   RegisterImport(program);
   RegisterCharges(program);
+  RegisterFees(program);
 }
 
 }  // namespace lw
