@@ -49,7 +49,10 @@ bool FeeBook::Book(const FeeCharge& charge) {
   const Variant id = cursor_.Fields(u"Id");
   if (id.text() && *id.text() == u"Store Sale" && !IsTrue(cursor_.Fields(u"Completed"))) return false;
 
+  // The reference and the amount go in together or not at all: a fee booked without its amount would
+  // never be booked again.
   const Text column = charge.column;
+  StoreTransaction both(db_);
   cursor_.Edit();
   try {
     cursor_.SetField(u"fee_ref_no", Variant(charge.ref + u" " + (refs ? *refs : Text())));
@@ -62,6 +65,7 @@ bool FeeBook::Book(const FeeCharge& charge) {
   db_.Execute(u"Update Seller set " + column + u" = " + column + u" + " +
               Quoted(CStr(Variant(charge.amount), db_.regional())) + u" where item = " + item_literal +
               u" and fee_ref_no LIKE " + Quoted(u"*" + charge.ref + u"*"));
+  both.Commit();
   return true;
 }
 
