@@ -35,6 +35,16 @@ const std::unordered_map<Text, int64_t>& FeeBook::Positions() {
 
 bool FeeBook::Book(const FeeCharge& charge) {
   const Text item_literal = Quoted(charge.item);  // an apostrophe makes a bad statement: the line fails
+  // The look at the row and the booking are one transaction: the reference and the amount go in
+  // together or not at all, since a fee booked without its amount would never be booked again. (One
+  // transaction rather than a read and then a write also spares the store half its locking.)
+  StoreTransaction line(db_);
+  const bool booked = BookOnRow(charge, item_literal);
+  line.Commit();
+  return booked;
+}
+
+bool FeeBook::BookOnRow(const FeeCharge& charge, const Text& item_literal) {
   const auto& positions = Positions();
   auto found = positions.find(StoreKey(charge.item));
   if (found == positions.end()) return false;
@@ -49,10 +59,7 @@ bool FeeBook::Book(const FeeCharge& charge) {
   const Variant id = cursor_.Fields(u"Id");
   if (id.text() && *id.text() == u"Store Sale" && !IsTrue(cursor_.Fields(u"Completed"))) return false;
 
-  // The reference and the amount go in together or not at all: a fee booked without its amount would
-  // never be booked again.
   const Text column = charge.column;
-  StoreTransaction both(db_);
   cursor_.Edit();
   try {
     cursor_.SetField(u"fee_ref_no", Variant(charge.ref + u" " + (refs ? *refs : Text())));
@@ -65,7 +72,6 @@ bool FeeBook::Book(const FeeCharge& charge) {
   db_.Execute(u"Update Seller set " + column + u" = " + column + u" + " +
               Quoted(CStr(Variant(charge.amount), db_.regional())) + u" where item = " + item_literal +
               u" and fee_ref_no LIKE " + Quoted(u"*" + charge.ref + u"*"));
-  both.Commit();
   return true;
 }
 

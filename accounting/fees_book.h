@@ -23,6 +23,8 @@ class FeeBook {
  private:
   // The first position of each item number in the view, compared as the store compares text.
   const std::unordered_map<Text, int64_t>& Positions();
+  // The steps of Book inside its transaction.
+  bool BookOnRow(const FeeCharge& charge, const Text& item_literal);
 
   Database& db_;
   Recordset& cursor_;

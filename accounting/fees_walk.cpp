@@ -17,11 +17,7 @@ long long CountLineFeeds(TextView text, size_t from, size_t to) {
 
 }  // namespace
 
-Text load_fee_page(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw RuntimeError(err::kFileNotFound, "File not found: " + path.string());
-  std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  if (in.bad()) throw RuntimeError(err::kFileNotFound, "File not found: " + path.string());
+Text fee_page_text(std::string_view bytes) {
   const Text decoded = DecodePage(bytes);
   // A page edited by hand may end its lines with a lone CR or LF; the walk steps over CR LF pairs.
   Text page;
@@ -36,6 +32,14 @@ Text load_fee_page(const std::filesystem::path& path) {
     if (c == u'\r' && i + 1 < decoded.size() && decoded[i + 1] == u'\n') ++i;
   }
   return page;
+}
+
+Text load_fee_page(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) throw RuntimeError(err::kFileNotFound, "File not found: " + path.string());
+  std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  if (in.bad()) throw RuntimeError(err::kFileNotFound, "File not found: " + path.string());
+  return fee_page_text(bytes);
 }
 
 void walk_fee_page(TextView page, const std::function<void(const Text& fee_line)>& take) {

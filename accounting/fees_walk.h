@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <string_view>
 
 #include "core/primitives/types.h"
 
@@ -13,6 +14,8 @@ namespace lw {
 // Reads the normalised page as the page buffer holds it: decoded by its byte order mark or declared
 // charset, every line end a CR LF. Raises 53 when the file is not there or cannot be read.
 Text load_fee_page(const std::filesystem::path& path);
+// The same from the page's bytes.
+Text fee_page_text(std::string_view bytes);
 
 // Hands each line of the walk to `take`, in order. A line is taken as the page buffer's selection grows
 // over it two characters at a time, so it carries its line end and, where its length is odd, the first
