@@ -14,11 +14,16 @@ constexpr int32_t kWhite = 0xFFFFFF;
 constexpr const char16_t* kSaleColumns[] = {u"ship_cost", u"insure_cost", u"price_tax", u"ship_tax",
                                             u"insure_tax"};
 
-// The four costs, their taxes and their "apply tax" flags, by the index of their box and check box.
-constexpr const char16_t* kCostColumns[] = {u"cost", u"actual_ship_cost", u"actual_insure_cost",
-                                            u"actual_other_cost"};
-constexpr const char16_t* kCostTaxColumns[] = {u"actual_price_tax", u"actual_ship_tax", u"actual_insure_tax",
-                                               u"actual_other_tax"};
+// The four costs and their taxes, as Updatebutton writes boxes 0 to 7, and the "apply tax" flags of the
+// costs by the index of their check box.
+constexpr const char16_t* kCostColumns[] = {u"cost",
+                                            u"actual_ship_cost",
+                                            u"actual_insure_cost",
+                                            u"actual_other_cost",
+                                            u"actual_price_tax",
+                                            u"actual_ship_tax",
+                                            u"actual_insure_tax",
+                                            u"actual_other_tax"};
 constexpr const char16_t* kCostFlags[] = {u"apply_costpricetax", u"apply_actualshiptax",
                                           u"apply_actualinsuretax", u"apply_actualothertax"};
 
@@ -130,6 +135,20 @@ void ChargesDialog::Handled(const std::function<void()>& body) {
   }
 }
 
+float ChargesDialog::SumOf(int first, int count) const {
+  float sum = 0;
+  for (int i = first; i < first + count; ++i) sum += box(i).Single();
+  return sum;
+}
+
+void ChargesDialog::WriteBoxes(std::span<const char16_t* const> columns, int first) {
+  Recordset& rs = Record();
+  rs.Edit();
+  for (size_t i = 0; i < columns.size(); ++i)
+    rs.SetField(columns[i], Money(box(first + static_cast<int>(i))));
+  rs.Update();
+}
+
 void ChargesDialog::WriteRow(std::initializer_list<std::pair<const char16_t*, Variant>> fields) {
   Recordset& rs = Record();
   rs.Edit();
@@ -177,22 +196,18 @@ void ChargesForm::calculate_sale_charges() {
   box(6).SetAmount(BoxPlus(box(3), price));
   box(7).SetAmount(BoxPlus(box(4), ship));
   box(8).SetAmount(BoxPlus(box(5), insure));
-  box(9).SetSingle(box(3).Single() + box(4).Single() + box(5).Single());
-  box(10).SetSingle(box(6).Single() + box(7).Single() + box(8).Single());
+  box(9).SetSingle(SumOf(3, 3));
+  box(10).SetSingle(SumOf(6, 3));
 }
 
 void ChargesForm::Updatebutton_Click() {
-  WriteRow({{kSaleColumns[0], Money(box(1))},
-            {kSaleColumns[1], Money(box(2))},
-            {kSaleColumns[2], Money(box(3))},
-            {kSaleColumns[3], Money(box(4))},
-            {kSaleColumns[4], Money(box(5))}});
+  WriteBoxes(kSaleColumns, 1);
   calculate_sale_charges();
 }
 
 void ChargesForm::OKButton_Click() {
   Updatebutton_Click();
-  box(9).SetSingle(box(3).Single() + box(4).Single() + box(5).Single());
+  box(9).SetSingle(SumOf(3, 3));
   WriteRow({{u"total_tax", Money(box(9))}});
   Close();
   // The screen shows the row as it now stands; what was typed on it is written first, not dropped.
@@ -273,8 +288,8 @@ void PurchaseChargesForm::calculate_purchase_charges() {
     else
       box(8 + i).SetAmount(BoxPlus(box(4 + i), costs[i]));
   }
-  box(12).SetSingle(box(4).Single() + box(5).Single() + box(6).Single() + box(7).Single());
-  box(13).SetSingle(box(8).Single() + box(9).Single() + box(10).Single() + box(11).Single());
+  box(12).SetSingle(SumOf(4, 4));
+  box(13).SetSingle(SumOf(8, 4));
 }
 
 void PurchaseChargesForm::applytax_chk_Click(int index) {
@@ -283,20 +298,13 @@ void PurchaseChargesForm::applytax_chk_Click(int index) {
 }
 
 void PurchaseChargesForm::Updatebutton_Click() {
-  WriteRow({{kCostColumns[0], Money(box(0))},
-            {kCostColumns[1], Money(box(1))},
-            {kCostColumns[2], Money(box(2))},
-            {kCostColumns[3], Money(box(3))},
-            {kCostTaxColumns[0], Money(box(4))},
-            {kCostTaxColumns[1], Money(box(5))},
-            {kCostTaxColumns[2], Money(box(6))},
-            {kCostTaxColumns[3], Money(box(7))}});
+  WriteBoxes(kCostColumns, 0);
   calculate_purchase_charges();
 }
 
 void PurchaseChargesForm::OKButton_Click() {
   Updatebutton_Click();
-  box(12).SetSingle(box(4).Single() + box(5).Single() + box(6).Single() + box(7).Single());
+  box(12).SetSingle(SumOf(4, 4));
   WriteRow({{u"actual_total_tax", Money(box(12))}});
   Close();
 }

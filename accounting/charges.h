@@ -50,6 +50,10 @@ class ChargesDialog : public Form {
   void Handled(const std::function<void()>& body);
   // Writes fields of the current row in one edit.
   void WriteRow(std::initializer_list<std::pair<const char16_t*, Variant>> fields);
+  // Writes boxes `first` onwards, each as money, to the columns in one edit of the current row.
+  void WriteBoxes(std::span<const char16_t* const> columns, int first);
+  // The sum of `count` boxes from `first`, in single precision.
+  float SumOf(int first, int count) const;
   void Close() { Unload(); }
 
   Program& program_;
