@@ -3,7 +3,6 @@
 // They compute in their boxes and write to the row only when the user updates or confirms.
 #pragma once
 
-#include <array>
 #include <functional>
 #include <span>
 #include <vector>

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "accounting/charges.h"
 #include "screen/testing.h"
 
 namespace lw {
@@ -28,16 +27,6 @@ TEST(SingleMoney, StoresTheCentsItShows) {
   } catch (const RuntimeError& e) {
     EXPECT_EQ(e.number(), err::kOverflow);
   }
-}
-
-TEST(SingleMoney, TaxIsNullWithoutAmountOrRate) {
-  EXPECT_TRUE(TaxOn(Variant(), Variant(8.25)).IsNull());
-  EXPECT_TRUE(TaxOn(Variant(Cents(1000)), Variant()).IsNull());
-  EXPECT_DOUBLE_EQ(*TaxOn(Variant(Cents(1999)), Variant(8.25)).number(), 19.99 * 8.25 * 0.01);
-  EXPECT_TRUE(IsTrue(Variant(true)));
-  EXPECT_TRUE(IsTrue(Variant(kTrue)));
-  EXPECT_FALSE(IsTrue(Variant(1)));
-  EXPECT_FALSE(IsTrue(Variant()));
 }
 
 class ChargeBoxTest : public ::testing::Test {

@@ -124,16 +124,12 @@ void FeesScreen::get_allfees() {
   // cursor from one auction to the next.
   f.seller.UpdateRecord();
   int16_t fees_updated = 0;
+  // A booking lives for one walk: the cursor it moves is the view of this walk.
   book_.reset();
-  try {
-    walk_fee_page(page, [&](const Text& line) {
-      fee_line_ = line;
-      parse_ebay_account_fees(fees_updated);
-    });
-  } catch (...) {
-    book_.reset();
-    throw;
-  }
+  walk_fee_page(page, [&](const Text& line) {
+    fee_line_ = line;
+    parse_ebay_account_fees(fees_updated);
+  });
   book_.reset();
   f.SetStatus(u"Importing Fees Completed. " + CStr(Variant(static_cast<int>(fees_updated)), p_.regional) +
               u" Auction fees updated.");
