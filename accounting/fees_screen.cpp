@@ -164,8 +164,10 @@ void FeesScreen::calculate_fee_display() {
   Recordset& rs = seller.recordset();
   auto sum = [&rs](std::span<const char16_t* const> columns) {
     Currency total;
-    for (const char16_t* column : columns)
-      if (const Currency* c = rs.Fields(column).currency()) total += *c;
+    for (const char16_t* column : columns) {
+      const Variant fee = rs.Fields(column);
+      if (const Currency* c = fee.currency()) total += *c;
+    }
     return total;
   };
   const Currency insertion = sum(kInsertionFee);
