@@ -202,7 +202,8 @@ void MainForm::BuildControls() {
   // A column the user widens or narrows keeps its width for the next start.
   for (auto [grid, section] :
        {std::pair{&seller_grid, u"Sellergrid"}, std::pair{&buyer_grid, u"Buyergrid"}}) {
-    grid->OnColResize = [this, grid, section](int col) {
+    // Copied into the handler by name: clang before 16 cannot capture a structured binding.
+    grid->OnColResize = [this, grid = grid, section = section](int col) {
       program_->settings.SaveSetting(kAppKey, section, FromUtf8(std::to_string(col)),
                                      FromUtf8(std::to_string(grid->column(col).width)));
     };
