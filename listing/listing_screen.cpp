@@ -161,6 +161,8 @@ void RegisterListing(Program& program) {
   auto screen = std::make_shared<ListingScreen>(program);
   program.subsystems.push_back(screen);
   RegisterSellPage(*screen);
+  RegisterPosting(*screen);
+  RegisterCategories(*screen);
 }
 
 }  // namespace lw

@@ -40,6 +40,8 @@ class ListingScreen {
   Text clean_title;
   Text clean_description;
   Text clean_location;
+  // The version of the site's category tree, as the last check read it.
+  Date category_version_date;
 
   // The client of the XML interface, made at first use with the configured wait.
   ApiHttp& http();
@@ -99,5 +101,9 @@ void RegisterListing(Program& program);
 // The units of the listing screen, each registering its own routines.
 // The Sell page's settings and preview, the validation and the interface test.
 void RegisterSellPage(ListingScreen& screen);
+// Validate/Post and the bulk collection.
+void RegisterPosting(ListingScreen& screen);
+// The category tree.
+void RegisterCategories(ListingScreen& screen);
 
 }  // namespace lw

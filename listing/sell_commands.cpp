@@ -7,6 +7,7 @@
 #include "listing/api_calls.h"
 #include "listing/item_request.h"
 #include "listing/lister_settings.h"
+#include "listing/listing_commands.h"
 #include "listing/listing_screen.h"
 #include "listing/sell_page.h"
 #include "listing/sell_page_layout.h"
@@ -69,6 +70,8 @@ void get_ebaylogo(ListingScreen& s) {
   for (const XmlNode& logo : doc.GetElementsByTagName("Logo")) s.ebay_logo_url = logo.Item(1).text();
 }
 
+}  // namespace
+
 void validate_auction(ListingScreen& s) {
   MainForm& f = s.main();
   try {
@@ -112,6 +115,8 @@ void validate_auction(ListingScreen& s) {
   }
 }
 
+namespace {
+
 void preview_auction(ListingScreen& s) {
   MainForm& f = s.main();
   save_bulk_listing_values(f, s.SetupRow());
@@ -121,38 +126,6 @@ void preview_auction(ListingScreen& s) {
   s.EnablePosting(1, true);
   s.EnablePosting(2, false);
   // Through page 0, so that the browser page shows the new page even when it is showing.
-  f.SSTab1.SetTab(0);
-  f.SSTab1.SetTab(kBrowserPage);
-}
-
-// The category number is the one thing looked at before the site sees the auction.
-bool CategoryGiven(ListingScreen& s) {
-  MainForm& f = s.main();
-  Control& category = f.Get(u"category_no_txt", 0);
-  if (!category.text().empty()) return true;
-  f.ui().MsgBox(u"No Category Selected", u"Enter a category number", MsgButtons::OK, MsgIcon::Critical);
-  f.SetFocus(&category);
-  return false;
-}
-
-void validate_or_post(ListingScreen& s) {
-  MainForm& f = s.main();
-  if (!CategoryGiven(s)) return;
-  auto& requests = s.program().main_screen.browser_request;
-  if (!s.auction_validated) {
-    requests[static_cast<int>(BrowserTarget::kValidation)] = true;
-    validate_auction(s);
-  } else {
-    requests[static_cast<int>(BrowserTarget::kVerification)] = true;
-    requests[static_cast<int>(BrowserTarget::kValidation)] = false;
-    s.EnablePosting(2, false);
-    f.CallRoutine("post_new_auction");
-    Recordset& row = s.SellerRow();
-    row.Edit();
-    row.SetField(u"pending", Variant(false));
-    row.Update();
-    for (const char* routine : {"auction_filter", "records_returned", "sum_grid"}) f.CallRoutine(routine);
-  }
   f.SSTab1.SetTab(0);
   f.SSTab1.SetTab(kBrowserPage);
 }
@@ -222,7 +195,6 @@ void RegisterSellPage(ListingScreen& screen) {
   reg("get_ebaylogo", get_ebaylogo);
   reg("validate_auction", validate_auction);
   reg("API_POST", API_POST);
-  reg("ctToolBar3(1)", validate_or_post);
 
   f.Get(u"ctbutton", 1).OnClick = [s] { Guarded(*s, [s] { preview_auction(*s); }); };
   f.Get(u"Command1").OnClick = [&r] { r.Call("API_POST"); };
