@@ -7,6 +7,7 @@
 #include "screen/data_control.h"
 #include "screen/edits.h"
 #include "screen/form.h"
+#include "screen/tree_view.h"
 
 namespace lw {
 
@@ -251,6 +252,9 @@ class Builder {
       b.SetContainer(frames_[kAuctionFrame]);
     }
     f_.Get(u"ctbutton", 0).SetTooltip(u"View Category Numbers");
+    TreeView& tree = f_.Add<TreeView>(u"ctcategorytree");
+    tree.SetCaption(u"Ebay Category List");
+    tree.SetContainer(frames_[kAuctionFrame]);
     Control& test = f_.Add(ControlKind::Button, u"Command1");
     test.SetCaption(u"Test API Call");
     test.SetContainer(page_);
