@@ -152,14 +152,11 @@ void RegisterCategories(ListingScreen& screen) {
   ListingScreen* s = &screen;
   MainForm& f = screen.main();
   Routines& r = screen.program().routines;
-  auto reg = [&r, s](const char* name, void (*fn)(ListingScreen&)) {
-    r.Register(name, [s, fn] { Guarded(*s, [s, fn] { fn(*s); }); });
-  };
-  reg("check_categories", check_categories);
-  reg("get_categories", get_categories);
-  reg("load_categories", load_categories);
-  reg("categories_changed", categories_changed);
-  reg("ctbutton(0)", load_category_numbers);
+  screen.Register("check_categories", check_categories);
+  screen.Register("get_categories", get_categories);
+  screen.Register("load_categories", load_categories);
+  screen.Register("categories_changed", categories_changed);
+  screen.Register("ctbutton(0)", load_category_numbers);
   f.Get(u"ctbutton", 0).OnClick = [&r] { r.Call("ctbutton(0)"); };
   Tree(screen).OnNodeClick = [s](int) { Guarded(*s, [s] { category_clicked(*s); }); };
 }

@@ -145,6 +145,10 @@ SellForm ListingScreen::ReadSellForm(const Text& uuid) const {
   return s;
 }
 
+void ListingScreen::Register(const char* name, void (*command)(ListingScreen&)) {
+  program_->routines.Register(name, [this, command] { Guarded(*this, [this, command] { command(*this); }); });
+}
+
 void ListingScreen::Status(const Text& text) const {
   main().SetStatus(text);
 }

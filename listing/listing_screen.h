@@ -71,6 +71,9 @@ class ListingScreen {
   // What the Sell page shows, read for a request with a new UUID.
   SellForm ReadSellForm(const Text& uuid) const;
 
+  // Registers a command of the listing under its routine name, run with the screen's catch-all.
+  void Register(const char* name, void (*command)(ListingScreen&));
+
   void Status(const Text& text) const;
   // Buttons 1 (Validate/Post) and 2 (Bulk Listing Item) of the posting toolbar.
   Toolbar& PostingBar() const;

@@ -219,22 +219,17 @@ void post_new_auction(ListingScreen& s) {
 }
 
 void RegisterPosting(ListingScreen& screen) {
-  ListingScreen* s = &screen;
-  Routines& r = screen.program().routines;
-  auto reg = [&r, s](const char* name, void (*fn)(ListingScreen&)) {
-    r.Register(name, [s, fn] { Guarded(*s, [s, fn] { fn(*s); }); });
-  };
-  reg("ctToolBar3(1)", validate_or_post);
-  reg("ctToolBar3(2)", bulk_list_item);
-  reg("post_new_auction", post_new_auction);
+  screen.Register("ctToolBar3(1)", validate_or_post);
+  screen.Register("ctToolBar3(2)", bulk_list_item);
+  screen.Register("post_new_auction", post_new_auction);
   // The same posting under the name other parts of the program call it by.
-  reg("post_auction", post_new_auction);
-  reg("show_bulk_listing_auctions", show_bulk_listing_auctions);
-  reg("hide_bulk_list_auctions", hide_bulk_list_auctions);
-  reg("submit_bulk_auctions_to_ebay", submit_bulk_auctions_to_ebay);
-  reg("submit_bulklist_to_ebay_1", submit_bulklist_to_ebay_1);
-  reg("clear_bulklist_tags", clear_bulklist_tags);
-  reg("remove_unsubmit_mnu", remove_unsubmit_mnu);
+  screen.Register("post_auction", post_new_auction);
+  screen.Register("show_bulk_listing_auctions", show_bulk_listing_auctions);
+  screen.Register("hide_bulk_list_auctions", hide_bulk_list_auctions);
+  screen.Register("submit_bulk_auctions_to_ebay", submit_bulk_auctions_to_ebay);
+  screen.Register("submit_bulklist_to_ebay_1", submit_bulklist_to_ebay_1);
+  screen.Register("clear_bulklist_tags", clear_bulklist_tags);
+  screen.Register("remove_unsubmit_mnu", remove_unsubmit_mnu);
 }
 
 }  // namespace lw

@@ -178,25 +178,22 @@ void RegisterSellPage(ListingScreen& screen) {
   screen.EnablePosting(2, false);
 
   Routines& r = p.routines;
-  auto reg = [&r, s](const char* name, void (*fn)(ListingScreen&)) {
-    r.Register(name, [s, fn] { Guarded(*s, [s, fn] { fn(*s); }); });
-  };
-  r.Register("load_lister_lists", [s] { Guarded(*s, [s] { FillListerLists(s->main()); }); });
-  r.Register("load_lister_settings", [s] {
-    Guarded(*s, [s] {
-      if (HasSetupRow(*s)) load_lister_settings(s->main(), s->SetupRow());
-    });
+  screen.Register("load_lister_lists", [](ListingScreen& s) { FillListerLists(s.main()); });
+  // Before the first user id there is no setup row to show.
+  screen.Register("load_lister_settings", [](ListingScreen& s) {
+    if (HasSetupRow(s)) load_lister_settings(s.main(), s.SetupRow());
   });
-  r.Register("save_bulk_listing_values",
-             [s] { Guarded(*s, [s] { save_bulk_listing_values(s->main(), s->SetupRow()); }); });
-  r.Register("change_counter_image", [s] { change_counter_image(s->main()); });
-  reg("remove_special_characters", remove_special_characters);
-  reg("create_sell_page", create_sell_page);
-  reg("get_ebaylogo", get_ebaylogo);
-  reg("validate_auction", validate_auction);
-  reg("API_POST", API_POST);
+  screen.Register("save_bulk_listing_values",
+                  [](ListingScreen& s) { save_bulk_listing_values(s.main(), s.SetupRow()); });
+  screen.Register("change_counter_image", [](ListingScreen& s) { change_counter_image(s.main()); });
+  screen.Register("remove_special_characters", remove_special_characters);
+  screen.Register("create_sell_page", create_sell_page);
+  screen.Register("get_ebaylogo", get_ebaylogo);
+  screen.Register("validate_auction", validate_auction);
+  screen.Register("API_POST", API_POST);
 
-  f.Get(u"ctbutton", 1).OnClick = [s] { Guarded(*s, [s] { preview_auction(*s); }); };
+  screen.Register("ctbutton(1)", preview_auction);
+  f.Get(u"ctbutton", 1).OnClick = [&r] { r.Call("ctbutton(1)"); };
   f.Get(u"Command1").OnClick = [&r] { r.Call("API_POST"); };
 }
 
