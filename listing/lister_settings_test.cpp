@@ -251,6 +251,7 @@ TEST_F(ListerSettings, ThePagesOwnRules) {
   c(u"Schedule_opt", 1).SetValue(kTrue);
   EXPECT_TRUE(c(u"ctDate1").enabled());
   EXPECT_EQ(c(u"ctDEdit1", 5).text(), u"17:45");
+  EXPECT_EQ(c(u"ctDate1").text(), u"11/30/2003");
   c(u"Schedule_opt", 0).SetValue(kTrue);
   EXPECT_FALSE(c(u"ctDEdit1", 5).enabled());
   EXPECT_EQ(schedule_changes_, 2);

@@ -319,8 +319,13 @@ void WireRules(Form& f, const SellPageHooks& hooks) {
       Control& time = form->Get(u"ctDEdit1", 5);
       form->Get(u"ctDate1").SetEnabled(scheduled);
       time.SetEnabled(scheduled);
-      if (scheduled && hooks.site_now && hooks.regional)
-        time.SetText(Format(Variant(hooks.site_now()), u"HH:MM", *hooks.regional));
+      if (scheduled && hooks.site_now && hooks.regional) {
+        Variant now(hooks.site_now());
+        time.SetText(Format(now, u"HH:MM", *hooks.regional));
+        // A date box always holds a date: an empty one starts at the site's day.
+        Control& date = form->Get(u"ctDate1");
+        if (date.text().empty()) date.SetText(Format(now, u"mm/dd/yyyy", *hooks.regional));
+      }
       if (hooks.schedule_changed) hooks.schedule_changed();
     };
   }
