@@ -1,5 +1,7 @@
 #include "listing/category_tree.h"
 
+#include <optional>
+
 #include "core/primitives/convert.h"
 #include "core/primitives/encoding.h"
 #include "core/store/store.h"
@@ -44,6 +46,10 @@ void FillCategoryTree(Database& db, TreeView& tree, const Text& site, const Regi
     TreeView& tree;
     ~Redraw() { tree.SetRedraw(true); }
   } redraw{tree};
+  // One read of the store for all six levels, rather than a lock taken and given back for every row;
+  // inside a caller's transaction that one serves, and a failure here must not roll it back.
+  std::optional<StoreTransaction> read;
+  if (!db.InTransaction()) read.emplace(db);
   for (int level = 1; level <= kDeepestLevel; ++level) {
     // No blank between the site and "and": the statement has always been written so, and the store
     // reads the number up to the first letter.
@@ -67,6 +73,7 @@ void FillCategoryTree(Database& db, TreeView& tree, const Text& site, const Regi
       tree.SetData(item, id);
     }
   }
+  if (read) read->Commit();
 }
 
 }  // namespace lw
