@@ -105,8 +105,8 @@ struct ListerDefault {
 constexpr ListerDefault kListerDefaults[] = {{u"Ipurhase_Add_ship_txt", u"0"},
                                              {u"Ipurhase_return_policy_txt", u" "},
                                              {u"Ipurhase_S_and_H_txt", u"0"},
-                                             {u"Ipurhase_sales_tax_txt", u"0"},
-                                             {u"ship_insure_txt", u"0"}};
+                                             {u"Ipurhase_sales_tax_txt", u"0"}};
+// The insurance box of the sell page puts its own "0" back.
 
 void RestoreEmptyListerBoxes(MainForm& form) {
   for (const ListerDefault& d : kListerDefaults) {

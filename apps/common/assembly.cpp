@@ -8,6 +8,7 @@
 #include "accounting/fees_screen.h"
 #include "core/store/store.h"
 #include "import/import_screen.h"
+#include "listing/listing_screen.h"
 #include "screen/main/startup.h"
 
 namespace lw {
@@ -60,6 +61,7 @@ void RegisterSubsystems(Program& program) {
   RegisterImport(program);
   RegisterCharges(program);
   RegisterFees(program);
+  RegisterListing(program);
 }
 
 }  // namespace lw

@@ -14,7 +14,7 @@ constexpr char kUsage[] =
     "Usage: lotwright-drive [SCRIPT]\n"
     "\n"
     "Runs Lotwright without a window and executes the commands of SCRIPT (standard input without one),\n"
-    "one a line: set, click, rclick, dblclick, row, resize, key, leave, tab, menu, answer, file, color,\n"
+    "one a line: set, click, rclick, dblclick, row, resize, edit, key, leave, tab, menu, answer, file, color,\n"
     "now, pump, tick, get, status, messages, grid, sql, clipboard, outside, exit.\n"
     "Exit status: 0, 2 when a command failed, 3 on an unhandled program error.\n";
 
