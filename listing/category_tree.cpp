@@ -1,5 +1,6 @@
 #include "listing/category_tree.h"
 
+#include <cmath>
 #include <optional>
 
 #include "core/primitives/convert.h"
@@ -13,6 +14,17 @@ namespace lw {
 namespace {
 
 constexpr int kDeepestLevel = 6;
+
+// A category number as an item of the tree carries it: a whole number the item's data can hold. A
+// number the site could never list under (a fraction, or one beyond any category's) names no item, so
+// a row with one stays out of the tree, and its children with it, as an orphan does.
+std::optional<int64_t> CategoryNumber(const Variant& v, const Regional& regional) {
+  if (v.IsNull()) return std::nullopt;
+  double n = CDbl(v, regional);
+  constexpr double kLimit = 9007199254740992.0;  // 2^53: every whole number below is exact
+  if (!(std::fabs(n) < kLimit) || n != std::floor(n)) return std::nullopt;
+  return static_cast<int64_t>(n);
+}
 
 }  // namespace
 
@@ -58,19 +70,20 @@ void FillCategoryTree(Database& db, TreeView& tree, const Text& site, const Regi
                          FromUtf8(std::to_string(level)) + u" Order by CategoryName desc");
     for (; !rs->Eof(); rs->MoveNext()) {
       Variant name = rs->Fields(u"CategoryName");
-      auto id = static_cast<int64_t>(CDbl(rs->Fields(u"Categoryid"), regional));
+      std::optional<int64_t> id = CategoryNumber(rs->Fields(u"Categoryid"), regional);
+      if (!id) continue;
       // The rows come by name from Z to A; each goes first among its siblings, so they show from A to Z.
       int item;
       if (level == 1) {
         item = tree.AddTop(name.IsNull() ? Text() : CStr(name, regional), TreeView::End::kFirst);
       } else {
-        Variant parent_id = rs->Fields(u"CategoryParentId");
-        int parent = parent_id.IsNull() ? -1 : tree.FindData(static_cast<int64_t>(CDbl(parent_id, regional)));
+        std::optional<int64_t> parent_id = CategoryNumber(rs->Fields(u"CategoryParentId"), regional);
+        int parent = parent_id ? tree.FindData(*parent_id) : -1;
         if (parent < 0) continue;
         tree.SetCurrent(parent);
         item = tree.AddUnderCurrent(name.IsNull() ? Text() : CStr(name, regional), TreeView::End::kFirst);
       }
-      tree.SetData(item, id);
+      tree.SetData(item, *id);
     }
   }
   if (read) read->Commit();

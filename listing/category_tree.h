@@ -23,8 +23,9 @@ void ReplaceCategories(Database& db, Recordset& rows, const Text& site,
                        const std::filesystem::path& reply_file, const std::function<void()>& write_reply);
 
 // Fills the tree with the rows of `site`: level 1 at the top, each deeper level under the item whose
-// data is its parent's number, six levels deep. A row whose parent isn't in the tree stays out.
-// Siblings show from A to Z. Each item's data is its category number.
+// data is its parent's number, six levels deep. A row whose parent isn't in the tree stays out, as does
+// one whose number isn't a whole number an item can carry. Siblings show from A to Z. Each item's data
+// is its category number.
 void FillCategoryTree(Database& db, TreeView& tree, const Text& site, const Regional& regional);
 
 }  // namespace lw

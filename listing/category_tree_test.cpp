@@ -90,17 +90,23 @@ TEST_F(CategoryTree, ASiteIsReplacedWholeOrNotAtAll) {
 
 TEST_F(CategoryTree, EveryCategoryUnderItsParent) {
   Replace(Fixture());
-  // A seventh level is more than the tree shows.
-  db_->Execute(
-      u"INSERT INTO Categories (AppSiteId, Categoryid, CategoryLevel, CategoryName, CategoryParentId) "
-      u"VALUES (0, 7000, 7, 'Too Deep', 164)");
+  // A seventh level is more than the tree shows, and a number that is no whole category number names
+  // no item: such a row stays out with everything under it.
+  for (const char16_t* row :
+       {u"7000, 7, 'Too Deep', 164", u"1e300, 1, 'Huge', 1e300", u"12.5, 2, 'Half', 160",
+        u"7001, 2, 'Under Huge', 1e300", u"7002, 3, 'Under Half', 12.5"})
+    db_->Execute(
+        u"INSERT INTO Categories (AppSiteId, Categoryid, CategoryLevel, CategoryName, CategoryParentId) "
+        u"VALUES (0, " +
+        Text(row) + u")");
   testing::TestScreen t;
   TreeView& tree = t.form.Add<TreeView>(u"ctcategorytree");
   tree.AddTop(u"left over");
   FillCategoryTree(*db_, tree, u"0", regional_);
   EXPECT_TRUE(tree.redraw());
-  EXPECT_EQ(tree.NodeCount(), 8);  // the orphan and the seventh level stay out
+  EXPECT_EQ(tree.NodeCount(), 8);  // the orphan, the seventh level and the odd numbers stay out
   EXPECT_EQ(tree.FindPath(u"Orphaned Lots"), -1);
+  EXPECT_EQ(tree.FindPath(u"Antiques > Half"), -1);
   std::vector<Text> top;
   for (int item : tree.Roots()) top.push_back(tree.node(item).text);
   EXPECT_EQ(top, (std::vector<Text>{u"Antiques", u"Books"}));
