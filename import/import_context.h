@@ -51,6 +51,8 @@ struct ImportContext {
   std::function<void()> auction_filter{};
   // SSTab1 to tab 4 and show_last_import.
   std::function<void()> show_last_import{};
+  // SSTab1 to tab 4, the browser left on the page it shows (the site's page the user signs in on).
+  std::function<void()> show_browser_page{};
   // Enables Advanced_import_edit_mnu once an import has failed, so that the text can be mended.
   std::function<void(bool)> enable_advanced_edit{};
 

@@ -102,6 +102,7 @@ class ListImportTest : public ::testing::TestWithParam<std::string> {
     ctx_->status = [this](const Text& t) { statuses_.push_back(t); };
     ctx_->auction_filter = [this] { ++filters_; };
     ctx_->show_last_import = [this] { ++last_import_shown_; };
+    ctx_->show_browser_page = [this] { ++browser_page_shown_; };
     ctx_->enable_advanced_edit = [this](bool on) { advanced_edit_ = on; };
   }
   void TearDown() override {
@@ -167,6 +168,7 @@ class ListImportTest : public ::testing::TestWithParam<std::string> {
   std::vector<Text> statuses_;
   int filters_ = 0;
   int last_import_shown_ = 0;
+  int browser_page_shown_ = 0;
   bool advanced_edit_ = false;
 };
 
