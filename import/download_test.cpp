@@ -290,6 +290,20 @@ TEST_F(DownloadTest, NavigationCompleteReadsTitleAndItem) {
   EXPECT_EQ(screen().email_page_url, u"http://x/mail?id=1");
 }
 
+TEST_F(DownloadTest, CompletedPageWithoutAUseridAsksForTheUsersDetails) {
+  Start("127.0.0.1:9", "No Userid Set");
+  WebBrowser1_DocumentComplete(screen());
+  EXPECT_EQ(main().SSTab1.tab(), kSetupPage);
+  EXPECT_EQ(main().Get<TabStrip>(u"setup_tabs").tab(), 0);
+  EXPECT_EQ(Status(), u"You must setup your ebay user details before continuing.");
+  // An empty host of the misc row is the shipped one, for every fetch alike.
+  Exec("UPDATE misc SET servername_desc = '', servername_ebaymotors = ''");
+  main().Misc.Refresh();
+  EXPECT_EQ(screen().MiscHost(u"servername_desc"), u"cgi.ebay.com");
+  EXPECT_EQ(screen().MiscHost(u"servername_ebaymotors"), u"cgi.ebaymotors.com");
+  EXPECT_EQ(screen().MiscHost(u"servername_import"), u"127.0.0.1:9");
+}
+
 TEST_F(DownloadTest, PassIsCapturedOnce) {
   testing::LoopbackHttpServer server(kPages);
   Start(server.host());
