@@ -216,6 +216,26 @@ TEST_F(StoreTest, AnEditedRowReadsBackAsAFreshFetchWouldGiveIt) {
   EXPECT_EQ(computed->Fields(u"again"), Variant(Currency::FromDouble(10.5)));
 }
 
+TEST_F(StoreTest, ACursorReadsWhatOtherStatementsWroteAndAnEditWritesWhatItSets) {
+  Populate();
+  auto rs = Open("Select * From seller where item = '1002'");
+  EXPECT_EQ(Str(*rs, "Title"), u"Red Lamp");
+  Exec("Update seller set title = 'Blue Lamp' where item = '1002'");
+  EXPECT_EQ(Str(*rs, "Title"), u"Blue Lamp");
+  // Setting the value the cursor first read, after another statement changed it, is still a change.
+  Exec("Update seller set title = 'Red Lamp' where item = '1002'");
+  EXPECT_EQ(Str(*rs, "Title"), u"Red Lamp");
+  auto other = Open("Select * From seller where item = '1002'");
+  other->Edit();
+  other->SetField(u"Title", Variant(u"Green Lamp"));
+  other->Update();
+  rs->Edit();
+  rs->SetField(u"Title", Variant(u"Red Lamp"));
+  rs->SetField(u"Price", Variant(u"0"));  // as it stands: left out of the statement
+  rs->Update();
+  EXPECT_EQ(Count("Select * From seller where title = 'Red Lamp'"), 1);
+}
+
 TEST_F(StoreTest, BadStatementsFailWithANumberAndChangeNothing) {
   Populate();
   struct Case {
