@@ -195,6 +195,7 @@ void WalkSellerPage(ImportContext& ctx, FileDisplay& buffer) {
       return true;
     });
   }
+  if (ctx.run) ctx.run->End();
   if (walk.buyers_added == 0) {
     ctx.Status(u"No Buyers Found");
   } else {
@@ -213,11 +214,13 @@ void WalkSellerPage(ImportContext& ctx, FileDisplay& buffer) {
 void get_seller_dutch_auctions(ImportContext& ctx, FileDisplay& buffer) {
   // A line's failure is handled by the line parser; this catches what fails around the walk (the
   // working file, the cursor), so that the command ends in the same message.
+  ImportRun run(ctx);
   try {
     WalkSellerPage(ctx, buffer);
   } catch (const std::exception&) {
     report_line_error(ctx);
   }
+  run.End();
 }
 
 void parse_seller_dutch_auctions(ImportContext& ctx, const Text& raw_line, DutchWalk& walk) {

@@ -347,6 +347,8 @@ void report_line_error(ImportContext& ctx) {
     } catch (const RuntimeError&) {
     }
   }
+  // The rows written before the failure stay, and are kept before the user is asked anything.
+  if (ctx.run) ctx.run->Keep();
   offer_last_import(ctx, u"Errors Importing Data.",
                     u"Errors Importing Data. Check the message in the status bar for the auction concerned.");
   if (ctx.enable_advanced_edit) ctx.enable_advanced_edit(true);
@@ -462,6 +464,7 @@ void parse_ebay_seller_import_data_2(ImportContext& ctx, int& added, int& update
 }
 
 void get_ebay_seller_auctions_2(ImportContext& ctx, FileDisplay& buffer) {
+  ImportRun run(ctx);
   guard_line_loop(ctx, [&] {
     buffer.SaveFile(ctx.folder / "parsed_data.htm");
     if (InStr(buffer.text(), u"User Error") != 0) {
@@ -483,6 +486,7 @@ void get_ebay_seller_auctions_2(ImportContext& ctx, FileDisplay& buffer) {
         updated);
     if (!finished) return;
 
+    run.End();
     ctx.Status(import_summary(added, updated));
     if (added + updated != 0) {
       if (ctx.auction_filter) ctx.auction_filter();
@@ -490,6 +494,8 @@ void get_ebay_seller_auctions_2(ImportContext& ctx, FileDisplay& buffer) {
     }
     offer_last_import(ctx, u"No Auctions Imported.", u"No auctions were imported.");
   });
+  // What a failed line loop wrote stays as well.
+  run.End();
 }
 
 }  // namespace lw

@@ -64,4 +64,32 @@ struct FuzzImport {
   std::unique_ptr<ImportContext> ctx;
 };
 
+// A seller list page of `auctions` ended sales as the site serves it (raw HTML, one cell to a source
+// line): 5,000 of them make about 1.5 MB. Item numbers are `first_item` onwards.
+inline std::string SellerListPage(int auctions, long long first_item = 1200000000) {
+  std::string page =
+      "<html>\r\n<head><title>My eBay "
+      "Selling</title></head>\r\n<body>\r\n<table>\r\n<tr>\r\n<th>Item#</th>\r\n"
+      "<th>Start</th>\r\n<th>End</th>\r\n<th>Price</th>\r\n<th>Title</th>\r\n<th>High Bidder</th>\r\n"
+      "<th>High Bidder's Email</th>\r\n</tr>\r\n";
+  for (int i = 0; i < auctions; ++i) {
+    const std::string item = std::to_string(first_item + i);
+    const std::string buyer = "buyer" + std::to_string(i % 1700);
+    const std::string link =
+        "<a href=\"http://cgi.ebay.com/ws/eBayISAPI.dll?ViewItem&amp;item=" + item + "\">";
+    const std::string day = std::to_string(10 + i % 9);
+    page += "<tr>\r\n<td>" + link + item + "</a></td>\r\n";
+    page += "<td>Nov-0" + std::to_string(1 + i % 9) + "-26 1" + std::to_string(i % 10) + ":00:00</td>\r\n";
+    page += "<td>Nov-" + day + "-26 1" + std::to_string(i % 10) + ":00:00 (*)</td>\r\n";
+    page += "<td>$" + std::to_string(5 + i % 300) + ".50</td>\r\n";
+    page += "<td>Vintage blue glass vase number " + std::to_string(i) + "</td>\r\n";
+    page += "<td>" + buyer + "(" + std::to_string(i % 500) + ")</td>\r\n";
+    page += "<td>" + buyer + "@example.com</td>\r\n</tr>\r\n";
+  }
+  page +=
+      "</table>\r\n<p>About eBay | Announcements | Help</p>\r\n<p>Copyright 1995-2026 eBay Inc. All Rights "
+      "Reserved.</p>\r\n</body>\r\n</html>\r\n";
+  return page;
+}
+
 }  // namespace lw::fuzzing

@@ -8,6 +8,7 @@
 #include <deque>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -33,8 +34,12 @@ class ImportRecordingUi : public StubUi {
   std::vector<ShownMessage> shown;
   std::deque<MsgAnswer> answers;  // queued answers; without one the first button is taken
 
+  // Called as each message comes up, while the program waits for the answer.
+  std::function<void(const Text& title)> on_message;
+
   MsgAnswer MsgBox(const Text& title, const Text& text, MsgButtons buttons, MsgIcon icon) override {
     shown.push_back({title, text, buttons, icon});
+    if (on_message) on_message(title);
     if (!answers.empty()) {
       MsgAnswer a = answers.front();
       answers.pop_front();
