@@ -3,6 +3,8 @@
 #include "core/store/store.h"
 
 #include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -362,6 +364,7 @@ std::unique_ptr<Database> Database::OpenDatabase(const std::filesystem::path& pa
   std::error_code ec;
   if (!std::filesystem::is_regular_file(path, ec))
     Fail(err::kStoreFileNotFound, "Could not find file '" + path.string() + "'.");
+  MakeStoreFilesPrivate(path);
   auto state = std::make_shared<StoreState>();
   state->path = path;
   state->regional = regional;
@@ -956,6 +959,15 @@ Text Quoted(TextView value) {
 
 Text QuotedDoubling(TextView value) {
   return u"'" + Replace(value, u"'", u"''") + u"'";
+}
+
+void MakeStoreFilesPrivate(const std::filesystem::path& store) {
+  for (const char* suffix : {"", "-wal", "-shm"}) {
+    const std::string file = store.string() + suffix;
+    struct stat st {};
+    if (::stat(file.c_str(), &st) != 0 || st.st_uid != ::geteuid()) continue;
+    if ((st.st_mode & 077) != 0) ::chmod(file.c_str(), st.st_mode & 07700);
+  }
 }
 
 std::filesystem::path ShippedStorePath(const std::filesystem::path& program_dir) {

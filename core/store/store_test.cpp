@@ -1,6 +1,7 @@
 // The store's own contract: opening, the shipped rows, cursors and their edge cases, typed fields, edits,
 // and bad statements that must fail with a number and change nothing.
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 #include <fstream>
 
@@ -29,6 +30,18 @@ TEST(StoreOpen, MissingFileAndNonStoreFile) {
   std::ofstream(dir / "junk.mdb") << "this is no database at all, just some text that fills a page";
   EXPECT_EQ(ErrorOf([&] { Database::OpenDatabase(dir / "junk.mdb", r); }), 3343);
   std::filesystem::remove_all(dir);
+}
+
+TEST_F(StoreTest, TheFileAndItsLogAreForTheirOwnerAlone) {
+  db_.reset();
+  ASSERT_EQ(::chmod(path_.c_str(), 0644), 0);
+  db_ = Database::OpenDatabase(path_, regional_);
+  Exec("INSERT INTO seller (Item) VALUES ('1')");  // the log exists once something is written
+  for (const char* suffix : {"", "-wal", "-shm"}) {
+    struct stat st {};
+    ASSERT_EQ(::stat((path_.string() + suffix).c_str(), &st), 0) << suffix;
+    EXPECT_EQ(st.st_mode & 0777, 0600u) << suffix;
+  }
 }
 
 TEST_F(StoreTest, ShippedStoreRowsAndLayout) {

@@ -121,6 +121,9 @@ class MainFormTest : public ::testing::Test {
 TEST_F(MainFormTest, FirstStartInstallsTheStoreAndOpensTheWizard) {
   ASSERT_FALSE(Start().has_value());
   EXPECT_TRUE(fs::exists(store_));
+  // The folders made for it and the store itself are the user's alone.
+  EXPECT_EQ(fs::status(store_.parent_path()).permissions(), fs::perms::owner_all);
+  EXPECT_EQ(fs::status(store_).permissions(), fs::perms::owner_read | fs::perms::owner_write);
   EXPECT_TRUE(ui_.boxes.empty());
   EXPECT_EQ(ui_.modal_forms, std::vector<Text>{u"wizard_frm"});
   EXPECT_EQ(main().status(), u"Couldn't import ini file. Default values loaded.");

@@ -1,5 +1,7 @@
 #include "screen/main/startup.h"
 
+#include <sys/stat.h>
+
 #include <cmath>
 
 #include "core/primitives/convert.h"
@@ -79,14 +81,31 @@ void CreateForms(Program& p) {
   p.wizard = &p.screen.Create<WizardForm>(p);
 }
 
+namespace {
+
+// Makes the folders of `folder` that are missing, each for its owner alone.
+void CreatePrivateFolders(const std::filesystem::path& folder) {
+  std::error_code ec;
+  if (folder.empty() || std::filesystem::exists(folder, ec)) return;
+  CreatePrivateFolders(folder.parent_path());
+  ::mkdir(folder.c_str(), 0700);
+}
+
+}  // namespace
+
 void InstallShippedStore(const std::filesystem::path& shipped, const std::filesystem::path& target) {
   std::error_code ec;
   if (!std::filesystem::is_regular_file(shipped, ec))
     throw RuntimeError(err::kStoreFileNotFound, "Could not find file '" + target.string() + "'.");
-  std::filesystem::create_directories(target.parent_path(), ec);
+  // The store will hold the site and mail passwords, the folder its working files (the filled-in
+  // sign-in page among them): folders made here are the user's alone, and so is the file.
+  CreatePrivateFolders(target.parent_path());
   std::filesystem::path tmp = target;
   tmp += ".installing";
   std::filesystem::copy_file(shipped, tmp, std::filesystem::copy_options::overwrite_existing, ec);
+  if (!ec)
+    std::filesystem::permissions(
+        tmp, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, ec);
   if (!ec) std::filesystem::rename(tmp, target, ec);
   if (ec) {
     std::error_code ignore;
