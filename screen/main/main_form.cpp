@@ -200,8 +200,10 @@ void MainForm::BuildControls() {
   seller_grid.SetDataSource(&seller);
   buyer_grid.SetDataSource(&Bidder);
   // A column the user widens or narrows keeps its width for the next start.
-  for (auto [grid, section] :
-       {std::pair{&seller_grid, u"Sellergrid"}, std::pair{&buyer_grid, u"Buyergrid"}}) {
+  for (auto entry : {std::pair{&seller_grid, u"Sellergrid"}, std::pair{&buyer_grid, u"Buyergrid"}}) {
+    // Named copies: clang before 16 cannot capture structured bindings.
+    Grid* grid = entry.first;
+    const char16_t* section = entry.second;
     grid->OnColResize = [this, grid, section](int col) {
       program_->settings.SaveSetting(kAppKey, section, FromUtf8(std::to_string(col)),
                                      FromUtf8(std::to_string(grid->column(col).width)));
