@@ -7,6 +7,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <functional>
+
 #include "core/primitives/convert.h"
 #include "core/primitives/text.h"
 #include "import/seller_list.h"
@@ -46,38 +48,33 @@ StoreOnDisk Inspect(const fs::path& file) {
   return out;
 }
 
+// The seller list import of `page` into the store in `dir`, every status told to `status`.
+void ImportSellerList(const fs::path& dir, const Text& page, std::function<void(const Text&)> status) {
+  Regional regional = Regional::FromLocale("en_US");
+  auto db = Database::OpenDatabase(dir / "lw.mdb", regional);
+  DataSource seller(*db, u"seller"), bidder(*db, u"Bidder");
+  Clock clock;
+  clock.Fix(MakeDate(2026, 11, 22, 12, 0, 0));
+  fuzzing::NoUi ui;
+  ImportContext ctx{*db, seller, bidder, regional, clock, ui, {}, u"lotseller", u"eBay", u"lotseller", dir};
+  ctx.status = std::move(status);
+  FileDisplay buffer;
+  buffer.set_text(page);
+  get_ebay_seller_auctions_2(ctx, buffer);
+}
+
 // The import of a child process: tells the parent through `signal_fd` when it starts on auction
 // `signal_at`, and then either waits there to be killed or runs on.
 [[noreturn]] void ImportInChild(const fs::path& dir, const Text& page, int signal_at, bool wait,
                                 int signal_fd) {
   try {
-    Regional regional = Regional::FromLocale("en_US");
-    auto db = Database::OpenDatabase(dir / "lw.mdb", regional);
-    DataSource seller(*db, u"seller"), bidder(*db, u"Bidder");
-    Clock clock;
-    clock.Fix(MakeDate(2026, 11, 22, 12, 0, 0));
-    fuzzing::NoUi ui;
-    ImportContext ctx{.db = *db,
-                      .seller = seller,
-                      .bidder = bidder,
-                      .regional = regional,
-                      .clock = clock,
-                      .ui = ui,
-                      .offsets = {},
-                      .userid = u"lotseller",
-                      .site = u"eBay",
-                      .setup_userid = u"lotseller",
-                      .folder = dir};
     int started = 0;
-    ctx.status = [&](const Text& text) {
+    ImportSellerList(dir, page, [&](const Text& text) {
       if (text.rfind(u"Adding Item Number ", 0) != 0 || ++started != signal_at) return;
       char byte = 1;
       if (::write(signal_fd, &byte, 1) != 1) ::_exit(3);
       while (wait) ::pause();
-    };
-    FileDisplay buffer;
-    buffer.set_text(page);
-    get_ebay_seller_auctions_2(ctx, buffer);
+    });
   } catch (...) {
     ::_exit(2);
   }
@@ -132,24 +129,12 @@ TEST(ImportRunTest, AnImportKilledPartWayLeavesTheStoreAsItWasAndTheNextRunTakes
   }
 
   // A run that is left alone takes every auction.
-  {
-    Regional regional = Regional::FromLocale("en_US");
-    auto db = Database::OpenDatabase(dir / "lw.mdb", regional);
-    DataSource seller(*db, u"seller"), bidder(*db, u"Bidder");
-    Clock clock;
-    clock.Fix(MakeDate(2026, 11, 22, 12, 0, 0));
-    fuzzing::NoUi ui;
-    Text summary;
-    ImportContext ctx{*db, seller, bidder, regional, clock, ui, {}, u"lotseller", u"eBay", u"lotseller", dir};
-    ctx.status = [&](const Text& text) { summary = text; };
-    FileDisplay buffer;
-    buffer.set_text(page);
-    get_ebay_seller_auctions_2(ctx, buffer);
-    // "Importing Auctions Completed.  {added} Auctions Added.  {updated} Auctions Updated."
-    const double added = Val(Mid(summary, 32));
-    const double updated = Val(Mid(summary, InStr(summary, u"Added.") + 6));
-    EXPECT_EQ(added + updated, kAuctions) << ToUtf8(summary);
-  }
+  Text summary;
+  ImportSellerList(dir, page, [&](const Text& text) { summary = text; });
+  // "Importing Auctions Completed.  {added} Auctions Added.  {updated} Auctions Updated."
+  const double added = Val(Mid(summary, 32));
+  const double updated = Val(Mid(summary, InStr(summary, u"Added.") + 6));
+  EXPECT_EQ(added + updated, kAuctions) << ToUtf8(summary);
   StoreOnDisk done = Inspect(dir / "lw.mdb");
   EXPECT_EQ(done.integrity, "ok");
   EXPECT_EQ(done.sellers, before + kAuctions);
