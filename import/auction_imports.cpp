@@ -13,11 +13,6 @@
 namespace lw {
 namespace {
 
-// A text column of the misc row: the hosts of the commands live there.
-Text MiscText(ImportScreen& s, TextView column) {
-  return RowText(s.MiscRow(), column, s.program().regional);
-}
-
 Text FormText(MainForm& f, TextView name, int index = -1) {
   Control* c = f.Find(name, index);
   return c ? c->text() : Text();
@@ -127,7 +122,7 @@ class DescriptionBridge {
 class DutchBridge {
  public:
   explicit DutchBridge(ImportScreen& s) : s_(s), f_(s.main()) {
-    d.servername_dutch = MiscText(s_, u"servername_dutch");
+    d.servername_dutch = s_.MiscHost(u"servername_dutch");
     d.pass1 = RowValue(s_.SetupRow(), u"pass1", f_.program().regional);
     for (int i = 0; i < 2; ++i) {
       d.Quantity_txt[i] = FormText(f_, u"Quantity_txt", i);
@@ -174,7 +169,7 @@ class DutchBridge {
 class EmailBridge {
  public:
   explicit EmailBridge(ImportScreen& s) : s_(s), f_(s.main()) {
-    d.servername_email = MiscText(s_, u"servername_email");
+    d.servername_email = s_.MiscHost(u"servername_email");
     d.seller_id_txt = FormText(f_, u"seller_id_txt");
     d.seller_email_txt = FormText(f_, u"seller_email_txt");
     d.id_pnl_1 = FormText(f_, u"id_pnl", 1);
@@ -213,8 +208,8 @@ void DescriptionCommandRoutine(ImportScreen& s, DescriptionCommand command) {
   DescriptionFetch fetch;
   {
     DescriptionBridge b(s);
-    fetch = run_description_command(s.Context(), b.d, command, MiscText(s, u"servername_desc"),
-                                    MiscText(s, u"servername_ebaymotors"));
+    fetch = run_description_command(s.Context(), b.d, command, s.MiscHost(u"servername_desc"),
+                                    s.MiscHost(u"servername_ebaymotors"));
     b.Store();
   }
   if (fetch == DescriptionFetch::download_auctions_3) {

@@ -160,6 +160,7 @@ void parse_ebay_bidder_import_data(ImportContext& ctx, int& added, int& updated)
 }
 
 void get_ebay_bidder_auctions(ImportContext& ctx, FileDisplay& buffer) {
+  ImportRun run(ctx);
   guard_line_loop(ctx, [&] {
     for (Text& slot : ctx.state.bidder_fields) slot.clear();
     int added = 0;
@@ -168,9 +169,11 @@ void get_ebay_bidder_auctions(ImportContext& ctx, FileDisplay& buffer) {
     walk_list_lines(
         ctx, buffer, walk, [&ctx](int& a, int& u) { parse_ebay_bidder_import_data(ctx, a, u); }, added,
         updated);
+    run.End();
     ctx.Status(import_summary(added, updated));
     if (ctx.auction_filter) ctx.auction_filter();
   });
+  run.End();
 }
 
 }  // namespace lw

@@ -90,6 +90,29 @@ TEST_F(DescriptionTest, RelistNoteIsCutFromTheCategory) {
   EXPECT_EQ(U(screen_.fields.Description1_txt[0]), "Real text");
 }
 
+TEST_F(DescriptionTest, TheCategoryEndsAtTheFirstEndMarkerFoundInTurn) {
+  // Each page lacks the markers tried before the one that ends its category, and has "Price" further
+  // down, which is taken only when none of the four before it is there.
+  for (const char* end : {"Bidding is closed for this item", "This item is closed.", "Price"}) {
+    SCOPED_TRACE(end);
+    FileDisplay page =
+        PageFromHtml(std::string("<p>Item #4012345678</p>\n<p>Toys:Kites</p>\n<p>") + end +
+                     "</p>\n<p>Description</p>\n<p>Top</p>\n<p>Real text</p>\n<p>Checkout</p>\n"
+                     "<p>Price guide</p>\n");
+    DescriptionScreen screen;
+    get_ebay_seller_auction_description(*ctx_, screen, page);
+    EXPECT_EQ(U(screen.fields.category_lbl[0]), "Toys:Kites");
+    EXPECT_EQ(U(screen.fields.Description1_txt[0]), "Real text");
+  }
+  // The motors page has a list of its own: "Bidding is closed for this item" before "Currently".
+  FileDisplay motors = PageFromHtml(
+      "<p>Item located in: Reno, NV Cars:Coupes</p>\n<p>Bidding is closed for this item</p>\n"
+      "<p>Currently $900</p>\n");
+  DescriptionScreen screen;
+  get_ebay_seller_auction_description_ebaymotors(*ctx_, screen, motors);
+  EXPECT_EQ(U(screen.fields.category_lbl[0]), "Reno, NV Cars:Coupes");
+}
+
 TEST_F(DescriptionTest, WithHtmlKeepsTheSellersOwnMarkup) {
   FileDisplay page = RawPage("item_ordinary_own_html.html");
   screen_.flags.description_html_pending = true;

@@ -63,16 +63,6 @@ Text FieldText(ImportScreen& screen, Recordset* row, TextView column) {
   return RowText(row, column, Prog(screen).regional);
 }
 
-// A host of the misc row; the shipped store's value when the column is empty.
-Text MiscHost(ImportScreen& screen, TextView column) {
-  Text host = FieldText(screen, screen.MiscRow(), column);
-  if (!host.empty()) return host;
-  if (column == u"servername_import" || column == u"servername_import1") return u"cgi6.ebay.com";
-  if (column == u"servername_ebaymotors") return u"cgi.ebay.com";
-  if (column == u"servername_fees") return u"arribada.ebay.com";
-  return u"cgi.ebay.com";
-}
-
 std::string Url(const Text& address) {
   std::string url = ToUtf8(address);
   // The working files are shown by their path.
@@ -252,7 +242,7 @@ void import_sell_btn(ImportScreen& screen) {
   jobs.import_cancelled = false;
   jobs.ClearFlags();
   jobs.import_pending = true;
-  txtIP(screen).SetText(MiscHost(screen, IsSeller(screen) ? u"servername_import" : u"servername_import1"));
+  txtIP(screen).SetText(screen.MiscHost(IsSeller(screen) ? u"servername_import" : u"servername_import1"));
   Call(screen, "save_data_changed");
 
   DownloadState& state = State(screen);
@@ -501,7 +491,7 @@ void download_auctions(ImportScreen& screen) {
   Recordset* setup = screen.SetupRow();
   Text userid = FieldText(screen, setup, u"Userid");
   Text password = FieldText(screen, setup, u"Password");
-  Text host = MiscHost(screen, u"servername_dutch");
+  Text host = screen.MiscHost(u"servername_dutch");
   const Text& item = screen.dutch_item;
   Pointer(screen, true);
   Text welcome;
@@ -588,7 +578,9 @@ void WebBrowser1_DocumentComplete(ImportScreen& screen) {
     }
   }
   if (FieldText(screen, screen.SetupRow(), u"userid") == kNoUserid) {
-    form.SetFocus(&form.Userid_lst);
+    // The user's details are asked for on the Setup page, its "User Properties" first.
+    form.SSTab1.SetTab(kSetupPage);
+    if (auto* user = dynamic_cast<TabStrip*>(form.Find(u"setup_tabs"))) user->SetTab(0);
     Status(screen, u"You must setup your ebay user details before continuing.");
   }
   Pointer(screen, false);

@@ -157,10 +157,9 @@ std::optional<Text> import_dutch_bidder_btn(ImportContext& ctx, DutchScreen& scr
         MsgButtons::OK, MsgIcon::Critical);
     return std::nullopt;
   }
-  if (screen.auction_type == u"Bidder") {
-    ctx.Status(u"Importing Dutch Auction High Bidders for Auction ...." + item);
-    screen.txtURL = u"/aw-cgi/eBayISAPI.dll?MfcISAPICommand=ViewBidsDutchHighBidder&item=" + item;
-  }
+  if (screen.auction_type != u"Bidder") return std::nullopt;
+  ctx.Status(u"Importing Dutch Auction High Bidders for Auction ...." + item);
+  screen.txtURL = u"/aw-cgi/eBayISAPI.dll?MfcISAPICommand=ViewBidsDutchHighBidder&item=" + item;
   return screen.txtURL;
 }
 
@@ -169,8 +168,11 @@ namespace {
 void WalkSellerPage(ImportContext& ctx, FileDisplay& buffer) {
   buffer.SaveFile(ctx.folder / "parsed_data.htm");
   Text text = rewrite_dutch_page(buffer.text(), false);
+  // The buffer holds the rewritten page, as the Advanced Import Edit page shows it.
+  buffer.set_text(text);
   if (InStr(text, u"Error: Requestor not the seller") != 0) {
-    if (ctx.show_last_import) ctx.show_last_import();
+    // The site's page stays in the browser: the user signs in on it.
+    if (ctx.show_browser_page) ctx.show_browser_page();
     return;
   }
   if (!HasRow(ctx.seller)) {
@@ -193,6 +195,7 @@ void WalkSellerPage(ImportContext& ctx, FileDisplay& buffer) {
       return true;
     });
   }
+  if (ctx.run) ctx.run->End();
   if (walk.buyers_added == 0) {
     ctx.Status(u"No Buyers Found");
   } else {
@@ -211,11 +214,13 @@ void WalkSellerPage(ImportContext& ctx, FileDisplay& buffer) {
 void get_seller_dutch_auctions(ImportContext& ctx, FileDisplay& buffer) {
   // A line's failure is handled by the line parser; this catches what fails around the walk (the
   // working file, the cursor), so that the command ends in the same message.
+  ImportRun run(ctx);
   try {
     WalkSellerPage(ctx, buffer);
   } catch (const std::exception&) {
     report_line_error(ctx);
   }
+  run.End();
 }
 
 void parse_seller_dutch_auctions(ImportContext& ctx, const Text& raw_line, DutchWalk& walk) {
@@ -246,7 +251,7 @@ void parse_seller_dutch_auctions(ImportContext& ctx, const Text& raw_line, Dutch
       Text after = Mid(rest, dollar + 1);
       size_t blank = InStr(after, u" ");
       Text price = blank ? Left(after, blank - 1) : after;
-      walk.item_price = Currency::FromDouble(Val(Replace(price, u",", u"")));
+      walk.item_price = Currency::FromDouble(Val(price));
       quantity = blank ? Val(Mid(after, blank + 1)) : 0;
     } else {
       Text words = LTrim(rest);
@@ -315,6 +320,7 @@ void parse_seller_dutch_auctions(ImportContext& ctx, const Text& raw_line, Dutch
 
 bool get_bidder_dutch_auctions(ImportContext& ctx, FileDisplay& buffer) {
   Text text = rewrite_dutch_page(buffer.text(), true);
+  buffer.set_text(text);
   bool found = false;
   size_t heading = text.find(u"Item Price");
   if (heading != Text::npos && HasRow(ctx.bidder)) {

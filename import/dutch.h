@@ -46,7 +46,7 @@ struct DutchWalk {
 // when a check refused.
 std::optional<Text> import_dutch_btn_2(ImportContext& ctx, DutchScreen& screen);
 // The bidder page's command on the current `Bidder` row. Returns the path put in txtURL for the
-// fetch, or nothing when a check refused.
+// fetch, or nothing when a check refused or the type in view is not "Bidder".
 std::optional<Text> import_dutch_bidder_btn(ImportContext& ctx, DutchScreen& screen);
 
 // The seller's high bidder page, tags removed, in the buffer; the placeholder or a buyer's row of the

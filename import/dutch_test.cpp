@@ -99,12 +99,24 @@ TEST_F(DutchTest, StoreSalePricesCutQuantityAndBadLine) {
   EXPECT_EQ(Str(*rs, "username"), "lotseller");
   EXPECT_TRUE(Flag(*rs, "Completed"));
   EXPECT_TRUE(Flag(*rs, "Reserve_met"));
+
+  // The price is read by Val as the page gives it: a thousands mark ends the number.
+  Placeholder("4019990005", "Store Sale", "0");
+  ShowSale("4019990005", "Store Sale");
+  FileDisplay dear;
+  dear.set_text(
+      u"Quantity: 1\r\nBuyer Price Qty Date of Bid(time)\r\nrich_rita (rita@example.com) (5) $1,250.00 1 "
+      u"Nov-19-26\r\neBay Inc. All Rights Reserved.\r\n");
+  get_seller_dutch_auctions(*ctx_, dear);
+  auto rita = Rows("Select * From seller where Item = '4019990005' and id = 'rich_rita'");
+  ASSERT_FALSE(rita->Eof());
+  EXPECT_EQ(Num(*rita, "Price"), 1);
 }
 
 TEST_F(DutchTest, PagesWithoutBidsOrForAnotherSeller) {
   Placeholder("4019990003", "2 Dutch bids", "1");
-  for (std::string html : {std::string("<p>Error: Requestor not the seller</p>"), std::string(),
-                           std::string("Date of Bid\n\x01\xff(((\n)))$$$\n\t\n"), std::string(20000, '(')}) {
+  for (std::string html :
+       {std::string(), std::string("Date of Bid\n\x01\xff(((\n)))$$$\n\t\n"), std::string(20000, '(')}) {
     ShowSale("4019990003", "2 Dutch bids");
     FileDisplay page;
     page.set_text(FromCp1252(html));
@@ -112,7 +124,15 @@ TEST_F(DutchTest, PagesWithoutBidsOrForAnotherSeller) {
     get_seller_dutch_auctions(*ctx_, page);
   }
   EXPECT_EQ(Count("Select * From seller where Item = '4019990003'"), 1);
-  EXPECT_EQ(last_import_shown_, 1);
+  // Another seller's sale: the browser page with the site's answer, left where it is; the buffer holds
+  // the page as rewritten.
+  FileDisplay refused;
+  refused.set_text(u"Error: Requestor not the seller&nbsp; at 10:00 PST\r\n");
+  get_seller_dutch_auctions(*ctx_, refused);
+  EXPECT_EQ(browser_page_shown_, 1);
+  EXPECT_EQ(last_import_shown_, 0);
+  EXPECT_EQ(refused.text().find(u"&nbsp;"), Text::npos);
+  EXPECT_EQ(refused.text().find(u"PST"), Text::npos);
 }
 
 TEST_F(DutchTest, BidderFindsOwnLine) {
@@ -171,6 +191,22 @@ TEST_F(DutchTest, SellerCommandChecksAndAddresses) {
             "http://dutch.example/aw-cgi/eBayISAPI.dll?ViewBidDutchHighBidderEmails&de=off&item=4019990005"
             "&acceptcookie=0&ed=0&pass=secret&userid=lotseller");
   EXPECT_EQ(went.size(), 2u);
+
+  // The bidder's command fetches for the type "Bidder" only.
+  Exec(
+      "INSERT INTO bidder (Item, Title, username, site, Completed, id) VALUES "
+      "('4019990006', 'Beads', 'lotseller', 'eBay', true, '3 Dutch bids')");
+  bidder_->RecordSource = u"Select * From bidder where Item = '4019990006'";
+  bidder_->Refresh();
+  screen.id_pnl[1] = u"3 Dutch bids";
+  screen.txtURL.clear();
+  screen.auction_type = u"Seller";
+  EXPECT_FALSE(import_dutch_bidder_btn(*ctx_, screen));
+  EXPECT_TRUE(screen.txtURL.empty());
+  EXPECT_TRUE(screen.bidder_dutch_pending);
+  screen.auction_type = u"Bidder";
+  EXPECT_EQ(ToUtf8(import_dutch_bidder_btn(*ctx_, screen).value_or(u"")),
+            "/aw-cgi/eBayISAPI.dll?MfcISAPICommand=ViewBidsDutchHighBidder&item=4019990006");
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <array>
 #include <filesystem>
 #include <functional>
+#include <optional>
 
 #include "core/primitives/datetime.h"
 #include "core/primitives/regional.h"
@@ -32,6 +33,8 @@ struct ImportState {
   bool stop_import = false;
 };
 
+class ImportRun;
+
 struct ImportContext {
   Database& db;
   CursorSource& seller;  // the `seller` screen cursor, moved by the lookups
@@ -51,14 +54,55 @@ struct ImportContext {
   std::function<void()> auction_filter{};
   // SSTab1 to tab 4 and show_last_import.
   std::function<void()> show_last_import{};
+  // SSTab1 to tab 4, the browser left on the page it shows (the site's page the user signs in on).
+  std::function<void()> show_browser_page{};
   // Enables Advanced_import_edit_mnu once an import has failed, so that the text can be mended.
   std::function<void(bool)> enable_advanced_edit{};
 
   ImportState state{};
+  // The import run under way, when there is one.
+  ImportRun* run = nullptr;
 
   void Status(const Text& text) const {
     if (status) status(text);
   }
+};
+
+// The writes of one import run in one store transaction. A list of thousands of rows is written at the
+// cost of one commit instead of one each, and a run cut short (the program killed, the machine down)
+// leaves the store as it was before the run, so the next run imports everything again. Whatever a run
+// keeps by its own rules is made lasting: at its end, and at once on an error path before the message
+// that tells of it (Keep), so nothing the user has been told is kept can be lost while the message is up.
+class ImportRun {
+ public:
+  explicit ImportRun(ImportContext& ctx) : ctx_(ctx), outer_(ctx.run) {
+    transaction_.emplace(ctx.db);
+    ctx.run = this;
+  }
+  ~ImportRun() { ctx_.run = outer_; }  // a run not ended rolls back with its transaction
+  ImportRun(const ImportRun&) = delete;
+  ImportRun& operator=(const ImportRun&) = delete;
+
+  // Commits what the run has written so far; what follows goes into a new transaction.
+  void Keep() {
+    End();
+    transaction_.emplace(ctx_.db);
+  }
+  // Commits the run.
+  void End() {
+    if (!transaction_) return;
+    // Gone afterwards whether the commit succeeds or not: a failed commit has rolled back already.
+    struct Done {
+      std::optional<StoreTransaction>& t;
+      ~Done() { t.reset(); }
+    } done{transaction_};
+    transaction_->Commit();
+  }
+
+ private:
+  ImportContext& ctx_;
+  ImportRun* outer_;
+  std::optional<StoreTransaction> transaction_;
 };
 
 }  // namespace lw

@@ -67,6 +67,24 @@ SiteClockOffsets ImportScreen::Offsets() const {
           RowNumber(MiscRow(), u"Ebay_minute_difference", r)};
 }
 
+Text ImportScreen::MiscHost(TextView column) const {
+  Text host = RowText(MiscRow(), column, program_->regional);
+  if (!host.empty()) return host;
+  // As the shipped store has them.
+  struct Default {
+    const char16_t* column;
+    const char16_t* host;
+  };
+  static constexpr Default kDefaults[] = {
+      {u"servername_import", u"cgi6.ebay.com"}, {u"servername_import1", u"cgi6.ebay.com"},
+      {u"servername_desc", u"cgi.ebay.com"},    {u"servername_email", u"cgi.ebay.com"},
+      {u"servername_dutch", u"cgi.ebay.com"},   {u"servername_ebaymotors", u"cgi.ebaymotors.com"},
+      {u"servername_fees", u"cgi3.ebay.com"}};
+  for (const Default& d : kDefaults)
+    if (column == d.column) return d.host;
+  return host;
+}
+
 ImportContext& ImportScreen::Context() {
   Program& p = *program_;
   MainForm& form = main();
@@ -81,6 +99,11 @@ ImportContext& ImportScreen::Context() {
     ctx.show_last_import = [&form] {
       form.SSTab1.SetTab(4);
       form.CallRoutine("show_last_import");
+    };
+    ctx.show_browser_page = [&form, &p] {
+      if (form.SSTab1.tab() == kBrowserPage) return;
+      p.main_screen.browser_page_held = true;
+      form.SSTab1.SetTab(kBrowserPage);
     };
     ctx.enable_advanced_edit = [&form](bool on) {
       if (Control* menu = form.Find(u"Advanced_import_edit_mnu")) menu->SetEnabled(on);

@@ -70,6 +70,9 @@ class ImportScreen {
   Recordset* SetupRow() const;
   // Ebay_hour_difference and Ebay_minute_difference of the misc row, read afresh.
   SiteClockOffsets Offsets() const;
+  // A host of the misc row (`servername_import` ...) for a fetch; a column left empty gives the host the
+  // shipped store holds there, the same for every fetch.
+  Text MiscHost(TextView column) const;
 
   // The fetch side's own state: its transports and its dialog. Made by RegisterDownload.
   std::shared_ptr<DownloadState> download;

@@ -66,20 +66,20 @@ std::optional<Text> get_email_btn_2(ImportContext& ctx, MemberEmailScreen& scree
 }
 
 void get_seller_email(ImportContext& ctx, FileDisplay& buffer, Text& seller_email_txt) {
-  const Text& text = buffer.text();
-  size_t marker = text.find(kAddressMarker);
-  size_t end = marker == Text::npos ? Text::npos : text.find(u"User ID", marker + kAddressMarker.size());
-  if (end == Text::npos) {
-    // Not the member's page (or one the site has changed): the field keeps what it had.
-    ctx.Status(u"Email address not found on the page");
-    return;
+  try {
+    // The hit moves the caret to the marker's start; the address begins right after the marker. On a
+    // page without the marker the caret stays where it was and the count starts from there.
+    buffer.Find(kAddressMarker);
+    const long from = buffer.SelStart() + static_cast<long>(kAddressMarker.size());
+    buffer.SetSelStart(from);
+    const long end = buffer.Find(u"User ID");
+    buffer.SetSelStart(from);
+    buffer.SetSelLength(end - from);  // negative without "User ID" after the address: 380
+    seller_email_txt = Replace(buffer.SelText(), u"\n", u"");
+    ctx.Status(u"Email Address retrieved");
+  } catch (const RuntimeError&) {
+    // Not the member's page: the field keeps what it had.
   }
-  size_t from = marker + kAddressMarker.size();
-  buffer.SetSelStart(static_cast<long>(from));
-  buffer.SetSelLength(static_cast<long>(end - from));
-  // The page's line ends are CR LF pairs: neither half belongs in an address.
-  seller_email_txt = Trim(Replace(Replace(buffer.SelText(), u"\n", u""), u"\r", u""));
-  ctx.Status(u"Email Address retrieved");
 }
 
 }  // namespace lw

@@ -33,8 +33,9 @@ struct MemberEmailScreen {
 // (Userid_lst). Returns the address navigated to, or nothing when a check refused the fetch.
 std::optional<Text> get_email_btn_2(ImportContext& ctx, MemberEmailScreen& screen);
 
-// Reads the address off the member e-mail page in the buffer into `seller_email_txt`. A page without
-// the markers leaves the field as it was.
+// Reads the address off the member e-mail page in the buffer into `seller_email_txt`: the text between
+// the marker and "User ID", line feeds taken out. A page where "User ID" does not follow leaves the field
+// as it was.
 void get_seller_email(ImportContext& ctx, FileDisplay& buffer, Text& seller_email_txt);
 
 }  // namespace lw

@@ -93,8 +93,14 @@ TEST_F(MemberEmailTest, ParserReadsTheAddressAndLeavesTheFieldOnABadPage) {
   FileDisplay page = LoadPage("member_email.html");
   Text field = u"old";
   get_seller_email(*ctx_, page, field);
-  EXPECT_EQ(ToUtf8(field), "lanterns@harbour.example");
+  // Line feeds go, nothing else: the carriage returns of the lines up to "User ID" stay.
+  EXPECT_EQ(ToUtf8(field), "lanterns@harbour.example\r\r");
   EXPECT_EQ(ToUtf8(LastStatus()), "Email Address retrieved");
+  // Without the marker the count starts where the caret stands, 38 characters on.
+  FileDisplay unmarked;
+  unmarked.set_text(u"0123456789012345678901234567890123456789abc@x.example User ID");
+  get_seller_email(*ctx_, unmarked, field);
+  EXPECT_EQ(ToUtf8(field), "89abc@x.example ");
 
   for (const char* bad : {"", "<p>User ID</p><p>The email address for this member is: x@y</p>",
                           "<p>The email address for this member is: x@y</p>", "\x01\xff<<"}) {

@@ -64,6 +64,8 @@ class TagRemover {
  public:
   explicit TagRemover(const Text& text) {
     done_.reserve(text.size());
+    // One segment a ">": made room for at once rather than moved about as the list grows.
+    segs_.reserve(static_cast<size_t>(std::count(text.begin(), text.end(), u'>')) + 1);
     size_t from = 0;
     for (;;) {
       size_t close = text.find(u'>', from);

@@ -160,24 +160,38 @@ void FillSlot(ImportContext& ctx, const Text& line) {
   }
 }
 
-// A site date the locale cannot read gets its month names translated first.
-Date SiteDate(ImportContext& ctx, Text text) {
+// A site date the locale cannot read gets its month names translated; where that cannot be done the
+// text stays as it was (after the message), and the store refuses it when the record is written.
+Text SiteDate(ImportContext& ctx, Text text) {
   if (!IsDate(Variant(text), ctx.regional)) {
     if (auto message = convert_date(ctx.regional.language_name, text, ctx.regional)) {
       ctx.ui.MsgBox(message->title, message->text, MsgButtons::OK, MsgIcon::Critical);
     }
   }
-  return CDate(Variant(text), ctx.regional);
+  return text;
 }
 
-double DatePart(Date d) {
-  return std::floor(d.serial);
+double DatePart(const Variant& d) {
+  return std::floor(d.date() ? d.date()->serial : 0);
 }
 
 struct SellerRecord {
   Text item, price, title, id, rating, email;
-  Date start, end;
+  Text start, end;  // as the page gives them, month names translated
 };
+
+// Start and End go to the row as text, so the store reads them under the locale; the length in days
+// follows from what it read.
+void SetDates(Recordset& rs, const SellerRecord& r) {
+  rs.SetField(u"start", r.start);
+  rs.SetField(u"End", r.end);
+  rs.SetField(u"Length", DatePart(rs.Fields(u"End")) - DatePart(rs.Fields(u"start")));
+}
+
+Date EndOf(const Recordset& rs) {
+  const Variant end = rs.Fields(u"End");
+  return end.date() ? *end.date() : Date();
+}
 
 bool ReserveMet(const Recordset& rs) {
   return Val(rs.Fields(u"Price")) >= Val(rs.Fields(u"Reserve"));
@@ -201,9 +215,7 @@ void AddSellerRow(ImportContext& ctx, Recordset& rs, const SellerRecord& r, int&
   ctx.Status(u"Adding Item Number " + r.item);
   rs.AddNew();
   rs.SetField(u"Item", r.item);
-  rs.SetField(u"start", r.start);
-  rs.SetField(u"End", r.end);
-  rs.SetField(u"Length", DatePart(r.end) - DatePart(r.start));
+  SetDates(rs, r);
   rs.SetField(u"Price", r.price);
   rs.SetField(u"Title", r.title);
   rs.SetField(u"Id", r.id);
@@ -220,7 +232,7 @@ void AddSellerRow(ImportContext& ctx, Recordset& rs, const SellerRecord& r, int&
 
   const bool met = ReserveMet(rs);
   rs.SetField(u"Reserve_met", met);
-  const bool ended = auction_has_ended(ctx, r.end);
+  const bool ended = auction_has_ended(ctx, EndOf(rs));
   if (ended && ClosesUnsold(r.id)) rs.SetField(u"Trans_comp", true);
   if (ended && !met) {
     if (NeedsReserveNote(rs)) rs.SetField(u"Comments", CommentsWithReserveNote(rs));
@@ -253,9 +265,7 @@ void UpdateSellerRow(ImportContext& ctx, Recordset& rs, const SellerRecord& r, i
   announce_update(ctx, r.item);
   rs.Edit();
   rs.SetField(u"Item", r.item);
-  rs.SetField(u"start", r.start);
-  rs.SetField(u"End", r.end);
-  rs.SetField(u"Length", DatePart(r.end) - DatePart(r.start));
+  SetDates(rs, r);
   rs.SetField(u"Price", r.price);
   rs.SetField(u"Id", r.id);
   rs.SetField(u"Email", r.email);
@@ -265,9 +275,9 @@ void UpdateSellerRow(ImportContext& ctx, Recordset& rs, const SellerRecord& r, i
   rs.SetField(u"lastupdated", ctx.clock.Now());
   const bool met = ReserveMet(rs);
   rs.SetField(u"Reserve_met", met);
+  const bool ended = auction_has_ended(ctx, EndOf(rs));
   rs.Update();
 
-  const bool ended = auction_has_ended(ctx, r.end);
   if (ended && ClosesUnsold(r.id)) EditOne(rs, u"Trans_comp", true);
   if (ended && !met) {
     if (NeedsReserveNote(rs)) EditOne(rs, u"Comments", CommentsWithReserveNote(rs));
@@ -337,6 +347,8 @@ void report_line_error(ImportContext& ctx) {
     } catch (const RuntimeError&) {
     }
   }
+  // The rows written before the failure stay, and are kept before the user is asked anything.
+  if (ctx.run) ctx.run->Keep();
   offer_last_import(ctx, u"Errors Importing Data.",
                     u"Errors Importing Data. Check the message in the status bar for the auction concerned.");
   if (ctx.enable_advanced_edit) ctx.enable_advanced_edit(true);
@@ -452,6 +464,7 @@ void parse_ebay_seller_import_data_2(ImportContext& ctx, int& added, int& update
 }
 
 void get_ebay_seller_auctions_2(ImportContext& ctx, FileDisplay& buffer) {
+  ImportRun run(ctx);
   guard_line_loop(ctx, [&] {
     buffer.SaveFile(ctx.folder / "parsed_data.htm");
     if (InStr(buffer.text(), u"User Error") != 0) {
@@ -473,6 +486,7 @@ void get_ebay_seller_auctions_2(ImportContext& ctx, FileDisplay& buffer) {
         updated);
     if (!finished) return;
 
+    run.End();
     ctx.Status(import_summary(added, updated));
     if (added + updated != 0) {
       if (ctx.auction_filter) ctx.auction_filter();
@@ -480,6 +494,8 @@ void get_ebay_seller_auctions_2(ImportContext& ctx, FileDisplay& buffer) {
     }
     offer_last_import(ctx, u"No Auctions Imported.", u"No auctions were imported.");
   });
+  // What a failed line loop wrote stays as well.
+  run.End();
 }
 
 }  // namespace lw

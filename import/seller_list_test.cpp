@@ -192,6 +192,29 @@ TEST_F(SellerListEnUsTest, FailedRecordStopsTheImportThroughTheHandler) {
   EXPECT_EQ(Count("Select * From seller where item = '1100000042'"), 0);
 }
 
+TEST_F(SellerListEnUsTest, EachUnreadableDateIsToldBeforeTheStoreRefusesAndEarlierRowsAreKept) {
+  std::string rows = PageRow({"1100000050", "Nov-01-26 10:00:00", "Nov-08-26 10:00:00", "$5.00", "Kazoo",
+                              "hummer(1)", "h@buyer.example"}) +
+                     PageRow({"1100000051", "Nox-01-26 10:00:00", "Nox-08-26 10:00:00", "$6.00", "Banjo",
+                              "picker(2)", "p@buyer.example"});
+  // What another program finds in the file while the error is on the screen.
+  int64_t kept_while_asking = -1;
+  ui_.on_message = [&](const Text& title) {
+    if (title != u"Errors Importing Data.") return;
+    auto other = Database::OpenDatabase(dir_ / "lw.mdb", *regional_);
+    kept_while_asking = other->OpenRecordset(u"Select * From seller where pending = no")->RecordCount();
+  };
+  ui_.answers = {MsgAnswer::OK, MsgAnswer::OK, MsgAnswer::No};
+  Import(PageFromHtml(ListPage("High Bidder's Email", rows)));
+  ASSERT_EQ(ui_.shown.size(), 3u);
+  EXPECT_EQ(ui_.shown[0].title, u"Data Conversion Error");
+  EXPECT_EQ(ui_.shown[1].title, u"Data Conversion Error");
+  EXPECT_EQ(ui_.shown[2].title, u"Errors Importing Data.");
+  EXPECT_EQ(LastStatus(), u"Adding Item Number 1100000051");
+  EXPECT_EQ(kept_while_asking, 1);
+  EXPECT_EQ(ImportedRows(), 1);
+}
+
 TEST_F(SellerListEnUsTest, UsDollarPriceGoesToTheStoreAsItStands) {
   ui_.answers.push_back(MsgAnswer::No);
   Import(LoadPage("seller_list_us_dollar.html"));

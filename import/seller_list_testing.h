@@ -8,6 +8,7 @@
 #include <deque>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -33,8 +34,12 @@ class ImportRecordingUi : public StubUi {
   std::vector<ShownMessage> shown;
   std::deque<MsgAnswer> answers;  // queued answers; without one the first button is taken
 
+  // Called as each message comes up, while the program waits for the answer.
+  std::function<void(const Text& title)> on_message;
+
   MsgAnswer MsgBox(const Text& title, const Text& text, MsgButtons buttons, MsgIcon icon) override {
     shown.push_back({title, text, buttons, icon});
+    if (on_message) on_message(title);
     if (!answers.empty()) {
       MsgAnswer a = answers.front();
       answers.pop_front();
@@ -102,6 +107,7 @@ class ListImportTest : public ::testing::TestWithParam<std::string> {
     ctx_->status = [this](const Text& t) { statuses_.push_back(t); };
     ctx_->auction_filter = [this] { ++filters_; };
     ctx_->show_last_import = [this] { ++last_import_shown_; };
+    ctx_->show_browser_page = [this] { ++browser_page_shown_; };
     ctx_->enable_advanced_edit = [this](bool on) { advanced_edit_ = on; };
   }
   void TearDown() override {
@@ -167,6 +173,7 @@ class ListImportTest : public ::testing::TestWithParam<std::string> {
   std::vector<Text> statuses_;
   int filters_ = 0;
   int last_import_shown_ = 0;
+  int browser_page_shown_ = 0;
   bool advanced_edit_ = false;
 };
 

@@ -92,10 +92,8 @@ void ShowRowDates(MainForm& f, Recordset& rs, SiteClockState& state) {
 // A change of the end or start date edit copies date and time back to the panels of the row on show,
 // which are bound to End and Start, and saves the row.
 void DateEditChanged(MainForm& f, const SiteClockState& state, int index) {
-  // The editors are on show only while the user edits the dates; texts put in by code while they are
-  // hidden (a row change, the start of an edit) are no change of the user's.
-  Control* editor = f.Find(u"ctDEdit1", index);
-  if (state.loading_dates || !editor || !editor->visible()) return;
+  // The dates a row change puts in are the row's own, not a change.
+  if (state.loading_dates || !f.Find(u"ctDEdit1", index)) return;
   int side = IsBidder(f) ? 1 : 0;
   Show(f, u"end_pnl", side, TextOf(f, u"ctDEdit1", 1) + u" " + TextOf(f, u"ctDEdit1", 0));
   Show(f, u"start_pnl", side, TextOf(f, u"ctDEdit1", 2));

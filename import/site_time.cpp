@@ -17,13 +17,11 @@ Text Number(int64_t n) {
   return T(std::to_string(n));
 }
 
-// "H:MM": the whole hours and the minutes left over, the minutes on two digits as a clock shows them.
+// The whole hours, ":" and the minutes left over, each as a plain number: 65 minutes read "1:5".
 Text HoursAndMinutes(int64_t minutes) {
   int64_t whole_hours = minutes / 60;  // minutes are not negative here
   int64_t remainder = minutes - whole_hours * 60;
-  Text out = Number(whole_hours) + u":";
-  if (remainder < 10) out += u'0';
-  return out + Number(remainder);
+  return Number(whole_hours) + u":" + Number(remainder);
 }
 
 }  // namespace

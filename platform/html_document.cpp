@@ -295,7 +295,9 @@ size_t FindCaseless(TextView text, std::string_view what, size_t from) {
 
 }  // namespace
 
-Text PageTextWithoutTags(TextView page) {
+namespace {
+
+Text StripTagsOnce(TextView page) {
   // The text as the page's source lays it out, tags taken away and nothing else touched, so that a page
   // fetched in the background reads exactly as the same page saved to a file and stripped by hand. Only
   // where the source puts two cells or blocks on one line are they broken apart, as a text rendering of
@@ -351,6 +353,27 @@ Text PageTextWithoutTags(TextView page) {
     out.push_back(c);
     ++i;
   }
+  return out;
+}
+
+// "<" before a letter, "/", "!" or "?": where a tag begins.
+bool HasTagStart(const Text& text) {
+  for (size_t i = 0; i + 1 < text.size(); ++i) {
+    if (text[i] != u'<') continue;
+    const char16_t next = text[i + 1];
+    if (IsAsciiLetter(next) || next == u'/' || next == u'!' || next == u'?') return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+Text PageTextWithoutTags(TextView page) {
+  // A "<" of the text can meet the start of a word once the markup between them is gone ("<<b>x>"):
+  // stripped again until no tag is left, as the other roads' tag removal would strip it. Every round
+  // takes away more than it adds, so this ends.
+  Text out = StripTagsOnce(page);
+  while (HasTagStart(out)) out = StripTagsOnce(out);
   return out;
 }
 

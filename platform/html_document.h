@@ -31,7 +31,8 @@ struct HtmlDocument {
 
 // The text of a page without its tags: the source's characters and lines as they stand, every line end
 // made CR LF, script, style and comments left out, and a line break where a cell or block follows text
-// on the same source line. Entities stay as they were written.
+// on the same source line. Entities stay as they were written. No tag is left: a "<" of the text that
+// meets a word once the markup between them is gone is taken away as a tag as well.
 Text PageTextWithoutTags(TextView page);
 
 }  // namespace lw

@@ -4,7 +4,9 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <memory>
 #include <sstream>
@@ -272,10 +274,17 @@ void SyncFile(const fs::path& p) {
   }
 }
 
-// A work file in the store's folder, removed again unless it was kept by Keep().
+// A work file in the store's folder, removed again unless it was kept by Keep(). It is made empty and
+// for its owner alone before anything is copied into it: a copy of the store holds its passwords, and
+// SQLite gives the copy's journals the permissions of the file.
 class WorkFile {
  public:
-  explicit WorkFile(fs::path p) : path_(std::move(p)) { Remove(); }
+  explicit WorkFile(fs::path p) : path_(std::move(p)) {
+    Remove();
+    int fd = ::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0600);
+    if (fd < 0) throw ConvertError("cannot write " + path_.string() + ": " + std::strerror(errno));
+    ::close(fd);
+  }
   ~WorkFile() {
     if (!kept_) Remove();
   }

@@ -168,6 +168,9 @@ TEST_F(StoreConvertTest, BackupIsADatedCopyBesideTheStore) {
   EXPECT_EQ(Sql(first, "SELECT count(*) FROM seller"), "2|");
   EXPECT_EQ(Sql(second, "SELECT count(*) FROM seller"), "1|");
   EXPECT_FALSE(WorkFilesLeft());
+  // A backup holds the passwords the store holds: for its owner alone.
+  for (const fs::path& copy : {first, second})
+    EXPECT_EQ(fs::status(copy).permissions(), fs::perms::owner_read | fs::perms::owner_write) << copy;
 }
 
 TEST_F(StoreConvertTest, CompactGivesBackTheSpaceOfDeletedRows) {

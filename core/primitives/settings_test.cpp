@@ -67,10 +67,11 @@ TEST_F(SettingsTest, ValuesSurviveARestartWhateverTheyHold) {
   EXPECT_EQ(again.GetSetting(u"Lotwright", u"Odd/Section]", u"[key=with#", u""), u"x");
   EXPECT_EQ(again.GetSetting(u"Other app", u"Settings", u" spaced key ", u""), u"y");
   EXPECT_EQ(again.GetSetting(u"Other app", u"Settings", u"spaced key", u"no"), u"no");
-  // No temporary file is left beside the real one.
+  // No temporary file is left beside the real one, and the file is its owner's alone.
   int files = 0;
   for ([[maybe_unused]] const auto& e : fs::directory_iterator(file.parent_path())) ++files;
   EXPECT_EQ(files, 1);
+  EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
 TEST_F(SettingsTest, NamesIgnoreCaseAndDeleteRemoves) {

@@ -3,6 +3,8 @@
 #include "core/store/store.h"
 
 #include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -200,11 +202,12 @@ struct StoreState {
   std::unordered_map<std::string, sqlite3_stmt*> statements;
   int64_t affected = 0;
   // Open transaction levels; `abandoned` once a rollback (ours or the engine's) ended the transaction
-  // while levels were still open. `generation` counts rollbacks, so cursors stop trusting the row
-  // values they cached before one.
+  // while levels were still open.
   int depth = 0;
   bool abandoned = false;
-  uint64_t generation = 0;
+  // Counts every change to the rows and every rollback: a cursor trusts the row values it cached only
+  // while nothing has been written since.
+  uint64_t version = 0;
 
   ~StoreState() {
     for (auto& [sql, st] : statements) sqlite3_finalize(st);
@@ -287,7 +290,7 @@ struct StoreState {
   void NoteFailure() {
     if (depth > 0 && !abandoned && sqlite3_get_autocommit(db)) {
       abandoned = true;
-      ++generation;
+      ++version;
     }
   }
 
@@ -361,6 +364,7 @@ std::unique_ptr<Database> Database::OpenDatabase(const std::filesystem::path& pa
   std::error_code ec;
   if (!std::filesystem::is_regular_file(path, ec))
     Fail(err::kStoreFileNotFound, "Could not find file '" + path.string() + "'.");
+  MakeStoreFilesPrivate(path);
   auto state = std::make_shared<StoreState>();
   state->path = path;
   state->regional = regional;
@@ -370,9 +374,9 @@ std::unique_ptr<Database> Database::OpenDatabase(const std::filesystem::path& pa
   sqlite3_extended_result_codes(state->db, 1);
   sqlite3_busy_timeout(state->db, 5000);
   // WAL keeps the file consistent through a crash at any point; NORMAL syncs at checkpoints, so a power
-  // cut can lose only the last commits, never the file. An import commits every row on its own and
-  // dirties several index pages each time; checkpointing every 4000 pages (16 MB of log, removed when the
-  // store closes) rather than every 1000 spares it three of every four disk syncs.
+  // cut can lose only the last commits, never the file. Work that commits row by row dirties several
+  // index pages each time; checkpointing every 4000 pages (16 MB of log, removed when the store closes)
+  // rather than every 1000 spares it three of every four disk syncs.
   state->Run("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL; PRAGMA wal_autocheckpoint = 4000;");
   const int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
   Regional* r = &state->regional;
@@ -414,6 +418,7 @@ void Database::Execute(TextView sql) {
     Fail(kCannotExecuteSelect, "Cannot execute a select query: '" + ToUtf8(sql) + "'");
   StatementUse q(*state_, tr->change.sql);
   q.Bind(tr->change.params, p.literals);
+  ++state_->version;
   q.Step();
   state_->affected = sqlite3_changes64(state_->db);
 }
@@ -441,7 +446,7 @@ void Database::CommitTrans() {
   if (!sqlite3_get_autocommit(s.db)) sqlite3_exec(s.db, "ROLLBACK", nullptr, nullptr, nullptr);
   s.depth = 0;
   s.abandoned = false;
-  ++s.generation;
+  ++s.version;
   Fail(err::kEngineFailure, "Disk or network error: the transaction could not be committed (" + msg + ")");
 }
 
@@ -452,7 +457,7 @@ void Database::Rollback() {
   if (!s.abandoned) {
     if (!sqlite3_get_autocommit(s.db)) rc = sqlite3_exec(s.db, "ROLLBACK", nullptr, nullptr, nullptr);
     s.abandoned = true;
-    ++s.generation;
+    ++s.version;
   }
   s.CloseLevel();
   if (rc != SQLITE_OK) s.FailFromEngine(rc);
@@ -523,7 +528,7 @@ struct Recordset::Impl {
   std::optional<RecordBookmark> last_modified;
 
   mutable int64_t cached_pos = -1;
-  mutable uint64_t cached_generation = 0;  // the store's rollback count when `cached` was read
+  mutable uint64_t cached_version = 0;  // the store's version when `cached` was read
   mutable std::vector<Variant> cached;
 
   enum class Mode { None, Add, Edit } mode = Mode::None;
@@ -568,7 +573,7 @@ struct Recordset::Impl {
     if (on_deleted) Fail(kRecordDeleted, "Record is deleted.");
     if (Eof() || Bof()) Fail(err::kNoCurrentRecord, "No current record.");
     if (!keyed()) return rows[static_cast<size_t>(pos)];
-    if (cached_pos == pos && cached_generation == st->generation) return cached;
+    if (cached_pos == pos && cached_version == st->version) return cached;
     StatementUse q(*st, tr->row_sql);
     q.Bind(tr->select_params, literals);
     for (size_t t = 0; t < stride; ++t) q.BindOne(keys[static_cast<size_t>(pos) * stride + t]);
@@ -577,13 +582,13 @@ struct Recordset::Impl {
     for (size_t i = 0; i < tr->outputs.size(); ++i)
       cached.push_back(ColumnVariant(q.get(), static_cast<int>(i), tr->outputs[i].kind));
     cached_pos = pos;
-    cached_generation = st->generation;
+    cached_version = st->version;
     return cached;
   }
 
   int FieldIndex(TextView name) const {
-    for (size_t i = 0; i < tr->outputs.size(); ++i)
-      if (SameName(tr->outputs[i].name, name)) return static_cast<int>(i);
+    auto found = tr->output_by_name.find(store::FoldAsciiName(name));
+    if (found != tr->output_by_name.end()) return found->second;
     // "table.column" reaches a column of a joined table even where its name does not clash.
     size_t dot = name.find(u'.');
     if (dot != TextView::npos) {
@@ -673,6 +678,9 @@ void Recordset::SetField(TextView name, const Variant& value) {
   } else if (auto* t = std::get_if<std::string>(&stored)) {
     back = Variant(FromUtf8(*t));
   }
+  // In an edit, a column given the value it already holds is left out of the UPDATE: writing it again
+  // would change nothing but cost the rewrite of its index entries.
+  if (impl_->mode == Impl::Mode::Edit && !impl_->dirty[i] && back == impl_->buffer[i]) return;
   impl_->buffer[i] = std::move(back);
   impl_->dirty[i] = true;
 }
@@ -855,6 +863,7 @@ void Recordset::Update() {
     }
     StatementUse q(*m.st, sql);
     for (const auto& v : values) q.BindOne(v);
+    ++m.st->version;
     q.Step();
     int64_t rowid = sqlite3_last_insert_rowid(m.st->db);
     // The new row joins the end of the cursor, where MoveLast finds it; the current row stays.
@@ -874,6 +883,7 @@ void Recordset::Update() {
       StatementUse q(*m.st, sql);
       for (const auto& v : values) q.BindOne(v);
       q.BindOne(m.keys[static_cast<size_t>(m.pos)]);
+      ++m.st->version;
       q.Step();
       if (sqlite3_changes64(m.st->db) == 0) {
         m.mode = Impl::Mode::None;
@@ -888,7 +898,7 @@ void Recordset::Update() {
       m.mode = Impl::Mode::None;
       m.cached = std::move(m.buffer);
       m.cached_pos = m.pos;
-      m.cached_generation = m.st->generation;
+      m.cached_version = m.st->version;
       return;
     }
   }
@@ -913,6 +923,7 @@ void Recordset::Delete() {
   if (m.Eof() || m.Bof()) Fail(err::kNoCurrentRecord, "No current record.");
   StatementUse q(*m.st, "DELETE FROM " + store::QuoteIdent(m.tr->tables[0]->name) + " WHERE rowid = ?");
   q.BindOne(m.keys[static_cast<size_t>(m.pos)]);
+  ++m.st->version;
   q.Step();
   m.keys.erase(m.keys.begin() + m.pos);
   --m.count;
@@ -948,6 +959,15 @@ Text Quoted(TextView value) {
 
 Text QuotedDoubling(TextView value) {
   return u"'" + Replace(value, u"'", u"''") + u"'";
+}
+
+void MakeStoreFilesPrivate(const std::filesystem::path& store) {
+  for (const char* suffix : {"", "-wal", "-shm"}) {
+    const std::string file = store.string() + suffix;
+    struct stat st {};
+    if (::stat(file.c_str(), &st) != 0 || st.st_uid != ::geteuid()) continue;
+    if ((st.st_mode & 077) != 0) ::chmod(file.c_str(), st.st_mode & 07700);
+  }
 }
 
 std::filesystem::path ShippedStorePath(const std::filesystem::path& program_dir) {

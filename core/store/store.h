@@ -229,6 +229,11 @@ Text Quoted(TextView value);
 // Puts a value between single quotes, doubling every apostrophe in it.
 Text QuotedDoubling(TextView value);
 
+// The store holds the site and mail passwords, so its file and its write-ahead log are for their owner
+// alone: group and other permissions come off the file and off its "-wal" and "-shm" files, where they
+// exist and belong to this user. SQLite gives the log the permissions of the file when it makes it.
+void MakeStoreFilesPrivate(const std::filesystem::path& store);
+
 // Where the empty store that ships with the program lies: the build's copy when it exists, else
 // share/lotwright/lw.mdb beside the installed program (relative to the directory of `program`).
 std::filesystem::path ShippedStorePath(const std::filesystem::path& program_dir);

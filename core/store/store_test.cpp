@@ -1,6 +1,7 @@
 // The store's own contract: opening, the shipped rows, cursors and their edge cases, typed fields, edits,
 // and bad statements that must fail with a number and change nothing.
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 #include <fstream>
 
@@ -29,6 +30,18 @@ TEST(StoreOpen, MissingFileAndNonStoreFile) {
   std::ofstream(dir / "junk.mdb") << "this is no database at all, just some text that fills a page";
   EXPECT_EQ(ErrorOf([&] { Database::OpenDatabase(dir / "junk.mdb", r); }), 3343);
   std::filesystem::remove_all(dir);
+}
+
+TEST_F(StoreTest, TheFileAndItsLogAreForTheirOwnerAlone) {
+  db_.reset();
+  ASSERT_EQ(::chmod(path_.c_str(), 0644), 0);
+  db_ = Database::OpenDatabase(path_, regional_);
+  Exec("INSERT INTO seller (Item) VALUES ('1')");  // the log exists once something is written
+  for (const char* suffix : {"", "-wal", "-shm"}) {
+    struct stat st {};
+    ASSERT_EQ(::stat((path_.string() + suffix).c_str(), &st), 0) << suffix;
+    EXPECT_EQ(st.st_mode & 0777, 0600u) << suffix;
+  }
 }
 
 TEST_F(StoreTest, ShippedStoreRowsAndLayout) {
@@ -214,6 +227,26 @@ TEST_F(StoreTest, AnEditedRowReadsBackAsAFreshFetchWouldGiveIt) {
   computed->Update();
   EXPECT_EQ(computed->Fields(u"twice"), Variant(Currency::FromDouble(21)));
   EXPECT_EQ(computed->Fields(u"again"), Variant(Currency::FromDouble(10.5)));
+}
+
+TEST_F(StoreTest, ACursorReadsWhatOtherStatementsWroteAndAnEditWritesWhatItSets) {
+  Populate();
+  auto rs = Open("Select * From seller where item = '1002'");
+  EXPECT_EQ(Str(*rs, "Title"), u"Red Lamp");
+  Exec("Update seller set title = 'Blue Lamp' where item = '1002'");
+  EXPECT_EQ(Str(*rs, "Title"), u"Blue Lamp");
+  // Setting the value the cursor first read, after another statement changed it, is still a change.
+  Exec("Update seller set title = 'Red Lamp' where item = '1002'");
+  EXPECT_EQ(Str(*rs, "Title"), u"Red Lamp");
+  auto other = Open("Select * From seller where item = '1002'");
+  other->Edit();
+  other->SetField(u"Title", Variant(u"Green Lamp"));
+  other->Update();
+  rs->Edit();
+  rs->SetField(u"Title", Variant(u"Red Lamp"));
+  rs->SetField(u"Price", Variant(u"0"));  // as it stands: left out of the statement
+  rs->Update();
+  EXPECT_EQ(Count("Select * From seller where title = 'Red Lamp'"), 1);
 }
 
 TEST_F(StoreTest, BadStatementsFailWithANumberAndChangeNothing) {

@@ -1345,6 +1345,7 @@ Translation TranslateSelect(Statement& st, const TranslateContext& ctx,
       oc.table = outs[i].value.table;
       oc.column = outs[i].value.column;
     }
+    tr.output_by_name.emplace(FoldAsciiName(oc.name), static_cast<int>(tr.outputs.size()));
     tr.outputs.push_back(std::move(oc));
   }
 
@@ -1457,6 +1458,12 @@ const TableInfo* Schema::Find(TextView table) const {
   for (auto& t : tables)
     if (SameName(t.name, table)) return &t;
   return nullptr;
+}
+
+Text FoldAsciiName(TextView name) {
+  Text out(name);
+  for (char16_t& c : out) c = Lower(c);
+  return out;
 }
 
 std::string QuoteIdent(TextView name) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <unordered_map>
 #include <variant>
 #include <vector>
 
@@ -76,6 +77,8 @@ struct Translation {
   // Queries.
   std::vector<const TableInfo*> tables;  // in FROM order
   std::vector<OutputColumn> outputs;
+  // Output positions by name with the letters A-Z folded; the first of equal names.
+  std::unordered_map<Text, int> output_by_name;
   bool aggregate = false;  // GROUP BY, aggregates or DISTINCT: rows are computed, not kept by key
   Fragment full;           // the whole query, used for computed rows
   Fragment keys;           // the row keys (one rowid per table) in the query's order
@@ -130,6 +133,9 @@ Fragment TranslateCriteria(TextView criteria, const std::vector<const TableInfo*
 
 // Quoted SQLite identifier.
 std::string QuoteIdent(TextView name);
+
+// A name with the letters A-Z lower-cased, as names are compared.
+Text FoldAsciiName(TextView name);
 
 // Date literal text ("mm/dd/yyyy [hh:mm[:ss] [AM|PM]]", also "yyyy-mm-dd"), blanks allowed around the
 // parts; false when it is not one.

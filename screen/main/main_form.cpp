@@ -246,6 +246,9 @@ void MainForm::BuildMenus() {
     std::string routine = info.name;
     m.OnClick = [this, routine] { RunCommand(routine); };
   }
+  // The import's text can be mended by hand only once an import has failed on it; the import enables
+  // the entry then, and owns its routine.
+  Get<Menu>(u"Advanced_import_edit_mnu").SetEnabled(false);
   // "Tab Views": one shortcut a page for pages 0 to 8.
   Menu& views = Get<Menu>(u"tab_views_mnu");
   auto pages = Pages();
@@ -302,10 +305,6 @@ void MainForm::RegisterOwnRoutines() {
     if (program_->splash) program_->splash->ShowAbout();
   });
   r.Register("contents_mnu", [this] { ui().OpenHelp(program_->startup.help_file, 0); });
-  r.Register("Advanced_import_edit_mnu", [this] {
-    SSTab1.page(kAdvEditPage).visible = true;
-    SSTab1.SetTab(kAdvEditPage);
-  });
   // Entries that exist on the menus and do nothing.
   for (const char* none : {"locate_database_mnu", "download_site_mnu", "mail_debug_mnu", "socket_debug_mnu"})
     r.Register(none, [] {});

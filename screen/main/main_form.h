@@ -72,6 +72,8 @@ class MainForm : public Form {
   void save_user_settings();
   void exit_program();
   void check_database_conversion();
+  // "SELLER AUCTIONS current Database Name - " (or BIDDER) and the store's path.
+  void SetTitle(bool seller);
 
   // The entry of the array menu that ran last (duplicate menus): its index and caption.
   int menu_index = -1;
@@ -91,7 +93,6 @@ class MainForm : public Form {
   void StartConvert();
 
   Program* program_;
-  bool wizard_done_ = false;
   bool exiting_ = false;
   std::vector<Text> browser_history_;
   int browser_pos_ = -1;

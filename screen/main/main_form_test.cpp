@@ -121,13 +121,16 @@ class MainFormTest : public ::testing::Test {
 TEST_F(MainFormTest, FirstStartInstallsTheStoreAndOpensTheWizard) {
   ASSERT_FALSE(Start().has_value());
   EXPECT_TRUE(fs::exists(store_));
+  // The folders made for it and the store itself are the user's alone.
+  EXPECT_EQ(fs::status(store_.parent_path()).permissions(), fs::perms::owner_all);
+  EXPECT_EQ(fs::status(store_).permissions(), fs::perms::owner_read | fs::perms::owner_write);
   EXPECT_TRUE(ui_.boxes.empty());
   EXPECT_EQ(ui_.modal_forms, std::vector<Text>{u"wizard_frm"});
   EXPECT_EQ(main().status(), u"Couldn't import ini file. Default values loaded.");
   EXPECT_EQ(main().Userid_lst.text(), kNoUserid);
   EXPECT_EQ(main().Auction_status_lst.text(), u"All Auctions");
-  EXPECT_EQ(main().caption, u"SELLER AUCTIONS current Database Name - " +
-                                FromUtf8(store_.parent_path().string()) + u"\\lw.mdb");
+  // The store's own path, the folder and the file joined as the system joins them.
+  EXPECT_EQ(main().caption, u"SELLER AUCTIONS current Database Name - " + FromUtf8(store_.string()));
   EXPECT_FALSE(program_->splash->visible());
   EXPECT_EQ(program_->splash->version_lbl.caption(), u"Version 4.01");
   // Seller list bar: four groups, each led by Quit.
@@ -137,6 +140,22 @@ TEST_F(MainFormTest, FirstStartInstallsTheStoreAndOpensTheWizard) {
   // The first user id reaches the duplicate menus.
   EXPECT_TRUE(main().Get(u"duplicate_auction_to_sold_userid", 0).visible());
   EXPECT_FALSE(main().Get(u"duplicate_auction_to_sold_userid", 1).visible());
+
+  // Every activation offers the wizard again while there is no real user id, asks for the current
+  // picture and takes the font sizing switch from the misc row.
+  int pictures = 0;
+  program_->routines.Register("refresh_picture", [&] { ++pictures; });
+  program_->startup.db->Execute(u"Update misc SET fontsizing = yes");
+  main().Misc.Refresh();
+  EXPECT_FALSE(program_->main_screen.fontsizing);
+  main().Activate();
+  EXPECT_EQ(ui_.modal_forms, (std::vector<Text>{u"wizard_frm", u"wizard_frm"}));
+  EXPECT_EQ(pictures, 1);
+  EXPECT_TRUE(program_->main_screen.fontsizing);
+  program_->startup.db->Execute(u"Update setup SET Userid = 'jan'");
+  program_->startup.setup->Requery();
+  main().Activate();
+  EXPECT_EQ(ui_.modal_forms.size(), 2u);
 
   // The settings say where the store is now; a second start opens it without a wizard loop.
   ASSERT_EQ(Exit(), 0);
@@ -178,6 +197,8 @@ TEST_F(MainFormTest, PagesKeysAndTheSetupLock) {
 
 TEST_F(MainFormTest, CommandsGoThroughTheRegistry) {
   ASSERT_FALSE(Start().has_value());
+  // Nothing to mend until an import has failed.
+  EXPECT_FALSE(main().Get(u"Advanced_import_edit_mnu").enabled());
   main().ctListBar1.OnItemClick(0, 1, kLeftButton);  // Update Auctions, not built yet
   EXPECT_EQ(main().status(), kNotAvailable);
   EXPECT_EQ(main().ctListBar1.help_context_id, 1007);

@@ -99,6 +99,8 @@ struct Program {
     bool browser_page_held = false;
     Text feedback_url;
     Text password;  // the current user id's site password, for the My eBay and account pages
+    // `fontsizing` of the misc row as the screen last activated: the screen's fonts follow the window.
+    bool fontsizing = false;
   } main_screen;
 
   // Objects the subsystems registered on the screen keep for the whole run.

@@ -36,7 +36,16 @@ Text DatePart(const Variant& v, TextView format, const Regional& regional) {
   return Format(v, format, regional);
 }
 
-// The editors take the date and time parts of the current row's Start and End.
+// Puts a text in an editor as the program does, not as the user: its change handler stays quiet.
+void Fill(Control& editor, const Text& text) {
+  auto handler = std::move(editor.OnChange);
+  editor.OnChange = nullptr;
+  editor.SetText(text);
+  editor.OnChange = std::move(handler);
+}
+
+// The editors take the date and time parts of the current row's Start and End: End's in an editor
+// each, Start's both in the start editor, joined by one blank, so that its time of day survives.
 void FillDateEditors(MainForm& f) {
   Variant start, end;
   DataControl& d = SideInUse(f);
@@ -46,9 +55,11 @@ void FillDateEditors(MainForm& f) {
   }
   const Regional& regional = f.program().regional;
   const Text date_format = DayFirst(f) ? u"dd/mm/yyyy" : u"mm/dd/yyyy";
-  DateEditor(f, kEndTime).SetText(DatePart(end, u"hh:mm:ss", regional));
-  DateEditor(f, kEndDate).SetText(DatePart(end, date_format, regional));
-  DateEditor(f, kStartDate).SetText(DatePart(start, date_format, regional));
+  Fill(DateEditor(f, kEndTime), DatePart(end, u"hh:mm:ss", regional));
+  Fill(DateEditor(f, kEndDate), DatePart(end, date_format, regional));
+  Text start_text = DatePart(start, date_format, regional);
+  if (!start_text.empty()) start_text += u" " + DatePart(start, u"hh:mm:ss", regional);
+  Fill(DateEditor(f, kStartDate), start_text);
 }
 
 void edit_finished(MainForm& f) {

@@ -139,7 +139,7 @@ TEST_F(RecordsTest, AdvancedEditWorksOnTheBidderSide) {
   EXPECT_FALSE(m.Get(u"end_pnl", 1).visible());
   EXPECT_FALSE(m.Get(u"db_bidder_action_control").enabled());
   EXPECT_EQ(m.Get(u"ctDEdit1", 0).text(), u"20:30:05");
-  EXPECT_EQ(m.Get(u"ctDEdit1", 2).text(), u"11/01/2026");
+  EXPECT_EQ(m.Get(u"ctDEdit1", 2).text(), u"11/01/2026 09:15:00");
 
   m.Get(u"ctDEdit1", 1).UserSet(u"11/09/2026");
   m.Get(u"ctDEdit1", 1).UserLeave();
@@ -147,7 +147,7 @@ TEST_F(RecordsTest, AdvancedEditWorksOnTheBidderSide) {
   EXPECT_FALSE(m.Get(u"end_pnl", 0).visible());  // the seller half stays hidden on the bidder side
   EXPECT_TRUE(m.Get(u"db_bidder_action_control").enabled());
   EXPECT_EQ(Field(u"select end from bidder", u"end"), Variant(MakeDate(2026, 11, 9, 20, 30, 5)));
-  EXPECT_EQ(Field(u"select start from bidder", u"start"), Variant(MakeDate(2026, 11, 1)));
+  EXPECT_EQ(Field(u"select start from bidder", u"start"), Variant(MakeDate(2026, 11, 1, 9, 15, 0)));
 
   // With the editors put away a leave writes nothing.
   m.Get(u"ctDEdit1", 1).SetText(u"12/24/2026");

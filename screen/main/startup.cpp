@@ -1,5 +1,7 @@
 #include "screen/main/startup.h"
 
+#include <sys/stat.h>
+
 #include <cmath>
 
 #include "core/primitives/convert.h"
@@ -79,14 +81,31 @@ void CreateForms(Program& p) {
   p.wizard = &p.screen.Create<WizardForm>(p);
 }
 
+namespace {
+
+// Makes the folders of `folder` that are missing, each for its owner alone.
+void CreatePrivateFolders(const std::filesystem::path& folder) {
+  std::error_code ec;
+  if (folder.empty() || std::filesystem::exists(folder, ec)) return;
+  CreatePrivateFolders(folder.parent_path());
+  ::mkdir(folder.c_str(), 0700);
+}
+
+}  // namespace
+
 void InstallShippedStore(const std::filesystem::path& shipped, const std::filesystem::path& target) {
   std::error_code ec;
   if (!std::filesystem::is_regular_file(shipped, ec))
     throw RuntimeError(err::kStoreFileNotFound, "Could not find file '" + target.string() + "'.");
-  std::filesystem::create_directories(target.parent_path(), ec);
+  // The store will hold the site and mail passwords, the folder its working files (the filled-in
+  // sign-in page among them): folders made here are the user's alone, and so is the file.
+  CreatePrivateFolders(target.parent_path());
   std::filesystem::path tmp = target;
   tmp += ".installing";
   std::filesystem::copy_file(shipped, tmp, std::filesystem::copy_options::overwrite_existing, ec);
+  if (!ec)
+    std::filesystem::permissions(
+        tmp, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, ec);
   if (!ec) std::filesystem::rename(tmp, target, ec);
   if (ec) {
     std::error_code ignore;
@@ -141,6 +160,13 @@ void Main(Program& p) {
 
   p.splash->Show();
   p.main->Show();
+}
+
+void MainForm::SetTitle(bool seller) {
+  // The store's real place, the folder joined with the file name, as the user finds it on disk.
+  const auto& st = program_->startup;
+  caption = Text(seller ? u"SELLER AUCTIONS" : u"BIDDER AUCTIONS") + u" current Database Name - " +
+            FromUtf8(program_->DbFile(st.database_name).string());
 }
 
 void MainForm::FillFixedLists() {
@@ -251,7 +277,7 @@ void MainForm::Form_Load() {
 
   // 18. Lister lists, title, schedule defaults.
   ResumeNext(u, [&] { CallRoutine("load_lister_lists"); });
-  caption = u"SELLER AUCTIONS current Database Name - " + st.database_path + st.database_name;
+  SetTitle(true);
   ResumeNext(u, [&] {
     Variant now(p.clock.Now());
     Find(u"schedule_time_txt")->SetText(Format(now, u"HH:MM", p.regional));
@@ -267,20 +293,22 @@ void MainForm::Form_Load() {
 
 void MainForm::Form_Activate() {
   Program& p = *program_;
-  // The wizard is offered once a run, at the first activation, while the store has no real user id.
-  if (!wizard_done_) {
-    wizard_done_ = true;
-    bool first_start = false;
-    try {
-      if (p.startup.setup && !p.startup.setup->Eof() && !p.startup.setup->Bof())
-        first_start = FieldText(*p.startup.setup, u"Userid") == kNoUserid;
-    } catch (const RuntimeError&) {
-    }
-    if (first_start && p.wizard) p.wizard->Show(true);
+  // While the store has no real user id, every activation of the screen offers the wizard again.
+  bool no_userid = false;
+  try {
+    if (p.startup.setup && !p.startup.setup->Eof() && !p.startup.setup->Bof())
+      no_userid = FieldText(*p.startup.setup, u"Userid") == kNoUserid;
+  } catch (const RuntimeError&) {
   }
+  if (no_userid && p.wizard && !p.wizard->modal()) p.wizard->Show(true);
   CallRoutine("change_user_id");
-  CallRoutine("load_current_picture");
-  CallRoutine("apply_fontsizing");
+  CallRoutine("refresh_picture");
+  // The desktop front end resizes the screen's fonts with the window while this is on.
+  ResumeNext(ui(), [&] {
+    if (!Misc.HasRecordset() || Misc.recordset().Eof() || Misc.recordset().Bof()) return;
+    Variant v = Misc.recordset().Fields(u"fontsizing");
+    p.main_screen.fontsizing = v.boolean() ? *v.boolean() : !v.IsNull() && CDbl(v, p.regional) != 0;
+  });
 }
 
 void MainForm::load_userids() {

@@ -140,8 +140,10 @@ void UseridScreen::userid_field_left() {
     new_userid_ = id;
     return;
   }
-  if (!adding_ || id.empty()) return;
+  if (!adding_) return;
   ComboBox& list = form_.Userid_lst;
+  // Case is ignored in the comparison: the store compares user ids without regard to case, so an id
+  // that differs from another only in its capitals would share that id's auctions.
   if (FindUserid(list, id, added_entry_) >= 0) {
     form_.ui().MsgBox(u"Can't Add Userid",
                       u"You can't add this Userid.\nThere is already a Userid with this name.",
@@ -202,11 +204,9 @@ void UseridScreen::delete_userid() {
     // The list and the duplicate menus lose the id as well.
     ReloadUserList();
     const Text first = list.List(0);
-    SelectQuietly(first);
+    // Selected as the user selects an id, so the Setup page, the settings rows and the view follow it.
+    list.SetListIndex(0);
     program_.view.condition = Replace(program_.view.condition, userid, first);
-    Recordset& rs = setup.recordset();
-    program_.main_screen.password = rs.Eof() ? Text() : FieldText(rs, u"Password");
-    form_.CallRoutine("do_query");
   } catch (const RuntimeError& e) {
     Report(e);
   }

@@ -13,8 +13,6 @@
 namespace lw {
 namespace {
 
-constexpr char16_t kPickFilter[] = u"Choose a field and a comparison for the filter, then press Enter.";
-
 class Views {
  public:
   explicit Views(MainForm& form) : f_(form), p_(form.program()) {}
@@ -235,8 +233,7 @@ void Views::OnTypeChange() {
     f_.buyer_grid.SetVisible(!seller);
     f_.SSTab1.SetTab(0);
     f_.SSTab1.page(kListerPage).enabled = seller;
-    f_.caption = Text(seller ? u"SELLER AUCTIONS" : u"BIDDER AUCTIONS") + u" current Database Name - " +
-                 p_.startup.database_path + p_.startup.database_name;
+    f_.SetTitle(seller);
     // auction_filter re-runs the view itself; a second do_query would only run the same statement again.
     auction_filter();
     f_.tab_refresh();
@@ -259,17 +256,12 @@ void Views::OnFilterBox() {
     if (box.value() == 1) {
       const FilterField* field = FindFilterField(f_.Find(u"field_lst")->text());
       Text compare = f_.Find(u"compare_lst")->text();
-      if (!field || compare.empty()) {
-        // Nothing to filter by yet: the box goes off again so that the next Enter can put it on.
-        Settling([&] { box.SetValue(0); });
-        f_.SetStatus(kPickFilter);
-        return;
-      }
       p_.view.wild = compare == u"like" ? u"*" : u"";
-      p_.view.quote = field->quoted ? u"'" : u"";
+      if (field) p_.view.quote = field->quoted ? u"'" : u"";
       // The filter replaces the status condition whole: pending, watching and Completed no longer apply.
+      // With no field or comparison chosen the statement is a bad one, which fails below like any other.
       p_.view.condition =
-          FilterCondition(field->column, compare, p_.view.quote, p_.view.wild,
+          FilterCondition(field ? field->column : u"", compare, p_.view.quote, p_.view.wild,
                           f_.Find(u"Filter_value_txt")->text(), f_.Userid_lst.text(), f_.site_lst.text());
       do_query();
       sum_grid();

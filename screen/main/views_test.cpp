@@ -134,8 +134,8 @@ TEST_F(ViewsTest, AFailedStatementLeavesTheFormerView) {
   EXPECT_EQ(program_->view.tail, u" order by rating desc");
   const Text bidder_before = m.Bidder.RecordSource;
   m.Auction_type_lst.SetText(u"Bidder");
-  EXPECT_EQ(m.caption, u"BIDDER AUCTIONS current Database Name - " + program_->startup.database_path +
-                           program_->startup.database_name);
+  EXPECT_EQ(m.caption, u"BIDDER AUCTIONS current Database Name - " +
+                           FromUtf8((dir_ / "data" / "lotwright" / "lw.mdb").string()));
   EXPECT_FALSE(m.SSTab1.page(kListerPage).enabled);
   EXPECT_EQ(m.Bidder.RecordSource, bidder_before);
   EXPECT_EQ(program_->view.condition, u"where watching = no and username = 'ann' and site = 'eBay'");
@@ -165,6 +165,20 @@ TEST_F(ViewsTest, AFailedStatementLeavesTheFormerView) {
   EXPECT_EQ(m.status(), status);
   EXPECT_TRUE(m.seller_grid.enabled());
   EXPECT_NE(seller_view, shown);  // the title sort stayed in force on the way back
+
+  // No field and no comparison chosen: a bad statement like any other, swallowed with the view kept.
+  m.Find(u"Apply_flt_chk")->SetValue(0);
+  m.Get<ComboBox>(u"field_lst").SetText(u"");
+  m.Get<ComboBox>(u"compare_lst").SetText(u"");
+  m.Find(u"Filter_value_txt")->SetText(u"lamp");
+  const Text all_view = m.seller.RecordSource;
+  const Text all_status = m.status();
+  m.Find(u"Apply_flt_chk")->SetValue(1);
+  EXPECT_EQ(m.Find(u"Apply_flt_chk")->value(), 1);
+  EXPECT_EQ(m.seller.RecordSource, all_view);
+  EXPECT_EQ(program_->view.condition.substr(0, 8), u"where   ");
+  EXPECT_EQ(m.status(), all_status);
+  EXPECT_TRUE(m.seller_grid.enabled());
 }
 
 TEST_F(ViewsTest, ViewChangesLeaveTheBrowserPageAndKeepTheOthers) {
