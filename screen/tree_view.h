@@ -81,6 +81,9 @@ class TreeView : public Control {
   void SetRedraw(bool on);
   uint64_t revision() const { return revision_; }
 
+  // Place on its page, in twips.
+  int left = 0, top = 0, width = 0, height = 0;
+
   // A click on an item by the user: fires OnNodeClick with its number, then OnClick.
   std::function<void(int node)> OnNodeClick;
 
