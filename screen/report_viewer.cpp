@@ -49,6 +49,22 @@ Text PageText(const ReportPage& page) {
   return out;
 }
 
+uint16_t ReportDocument::FontIndex(const ReportFont& font) {
+  for (size_t i = 0; i < fonts.size(); ++i)
+    if (fonts[i] == font) return static_cast<uint16_t>(i);
+  if (fonts.size() >= UINT16_MAX) return 0;
+  fonts.push_back(font);
+  return static_cast<uint16_t>(fonts.size() - 1);
+}
+
+uint8_t ReportDocument::NumberFormatIndex(const Text& format) {
+  for (size_t i = 0; i < number_formats.size(); ++i)
+    if (number_formats[i] == format) return static_cast<uint8_t>(i);
+  if (number_formats.size() >= UINT8_MAX) return 0;
+  number_formats.push_back(format);
+  return static_cast<uint8_t>(number_formats.size() - 1);
+}
+
 ReportViewer::ReportViewer(Form& form, Text name, int index)
     : Control(form, ControlKind::ReportViewer, std::move(name), index) {}
 

@@ -33,20 +33,22 @@ enum class ReportAlign { kLeft, kCenter, kRight };
 // Colours are 0x00BBGGRR, as on the screen; kNoColour leaves the back of an item transparent.
 inline constexpr int32_t kNoColour = -1;
 
+// One line of text in a box. Fonts and spreadsheet number formats are kept once in the document and
+// named here by their place in its tables, as a report repeats a handful of them on thousands of lines.
 struct ReportRun {
   int left = 0, top = 0, width = 0, height = 0;
-  Text text;  // one line
-  ReportFont font;
-  int32_t forecolor = 0;
-  int32_t backcolor = kNoColour;
+  Text text;
+  uint16_t font = 0;  // ReportDocument::fonts
   ReportAlign align = ReportAlign::kLeft;
   // A check box: drawn as a box, crossed when `checked`; its text is "[X]" or "[ ]" for text outputs.
   bool check_box = false;
   bool checked = false;
-  // The value behind the text when it is a number, so that a spreadsheet gets a number it can add;
-  // `number_format` is the spreadsheet's picture for it ("$#,##0.00").
+  int32_t forecolor = 0;
+  int32_t backcolor = kNoColour;
+  // The value behind the text when it is a number, so that a spreadsheet gets a number it can add, in
+  // the picture ReportDocument::number_formats[number_format] ("$#,##0.00").
   std::optional<double> number;
-  Text number_format;
+  uint8_t number_format = 0;
 };
 
 struct ReportRule {
@@ -70,7 +72,20 @@ struct ReportPage {
 
 struct ReportDocument {
   Text title;
+  std::vector<ReportFont> fonts{ReportFont{}};
+  std::vector<Text> number_formats{u"General"};
   std::vector<ReportPage> pages;
+
+  const ReportFont& font(const ReportRun& run) const {
+    return run.font < fonts.size() ? fonts[run.font] : fonts.front();
+  }
+  const Text& number_format(const ReportRun& run) const {
+    return run.number_format < number_formats.size() ? number_formats[run.number_format]
+                                                     : number_formats.front();
+  }
+  // The place of a font or a format in its table, added when it is new.
+  uint16_t FontIndex(const ReportFont& font);
+  uint8_t NumberFormatIndex(const Text& format);
 };
 
 // A row of a page as text: the runs that share a top, from the left.
