@@ -288,6 +288,8 @@ Block Runner::Build(Section& s) {
         if (it.kind == ItemKind::kCheckBox) l.lines = {it.DisplayText(regional_)};
         int lh = it.kind == ItemKind::kCheckBox ? it.height : LineHeight(it.font);
         for (size_t i = 0; i < l.lines.size(); ++i) {
+          // An empty line takes its room but prints nothing.
+          if (l.lines[i].empty() && it.kind != ItemKind::kCheckBox) continue;
           ReportRun r;
           r.left = left_ + it.left;
           r.top = top + static_cast<int>(i) * lh;
@@ -432,7 +434,9 @@ void Runner::FinishPage() {
 
 void Runner::Print(Section& s, const Row* row) {
   row_in_effect_ = row;
-  if (Format(s, row)) Place(Build(s));
+  if (!Format(s, row)) return;
+  if (s.new_page_before && y_ > content_top_) NewPage();
+  Place(Build(s));
 }
 
 ReportDocument Runner::Run(Recordset* rows) {

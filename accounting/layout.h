@@ -89,6 +89,8 @@ class Section {
   // Group headers: a new group starts where this column's value changes. Empty: one group over all
   // rows.
   Text group_by;
+  // Starts on a new page unless it would be the first thing on its page (one letter a page).
+  bool new_page_before = false;
   // The per-row code. An error it raises (RuntimeError) leaves the section as far as it was filled.
   std::function<void()> on_format;
 
