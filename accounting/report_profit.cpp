@@ -19,7 +19,7 @@ void RedNote(Report& r) {
 // "Report for Userid:" and the user id at the top of every page.
 void UseridLine(Report& r) {
   Label(r.page_header, u"lblUserid", u"Report for Userid:", 0, 0, 1600, true);
-  Field(r.page_header, u"username", u"username", 1700, 0, 3000).font.bold = true;
+  Field(r.page_header, u"username", u"username", 1600, 0, 3000).font.bold = true;
 }
 
 // The headings over groups of columns, on the line above the column headings.
