@@ -105,6 +105,9 @@ struct Accumulator {
 
 using Row = std::vector<Variant>;
 
+// The smallest size a figure is shrunk to, in points, before it is cut after all.
+constexpr double kSmallestFigure = 4;
+
 class Runner {
  public:
   Runner(Report& report, const Regional& regional) : report_(report), regional_(regional) {}
@@ -219,6 +222,7 @@ Block Runner::Build(Section& s) {
     int height;
     int growth;
     int shift = 0;
+    int font = -1;  // a smaller size the figure was shrunk to, as an index of the document's fonts
   };
   std::vector<Laid> laid;
   laid.reserve(s.items().size());
@@ -235,7 +239,17 @@ Block Runner::Build(Section& s) {
       } else {
         size_t fit = std::max<size_t>(1, static_cast<size_t>(std::max(it.height, lh) / lh));
         if (l.lines.size() > fit) l.lines.resize(fit);
-        for (Text& line : l.lines) line = FitText(line, font, it.width);
+        // A figure cut short would be a wrong figure: one too wide for its box prints smaller instead.
+        bool figure = it.kind == ItemKind::kField && (it.value.number() || it.value.currency());
+        int wide = figure && l.lines.size() == 1 ? TextWidth(l.lines[0], font) : 0;
+        if (wide > it.width) {
+          ReportFont smaller = font;
+          smaller.size = std::max(kSmallestFigure, std::floor(font.size * it.width / wide * 2) / 2);
+          l.font = doc_.FontIndex(smaller);
+          l.lines[0] = FitText(l.lines[0], smaller, it.width);
+        } else {
+          for (Text& line : l.lines) line = FitText(line, font, it.width);
+        }
       }
       l.growth = l.height - it.height;
       grows = grows || l.growth > 0;
@@ -270,6 +284,7 @@ Block Runner::Build(Section& s) {
       case ItemKind::kCheckBox: {
         auto f = fonts_.find(&it);
         if (f == fonts_.end()) f = fonts_.emplace(&it, doc_.FontIndex(it.font)).first;
+        const uint16_t font = l.font >= 0 ? static_cast<uint16_t>(l.font) : f->second;
         std::optional<double> number;
         uint8_t number_format = 0;
         if (it.kind == ItemKind::kField && l.lines.size() == 1) {
@@ -296,7 +311,7 @@ Block Runner::Build(Section& s) {
           r.width = it.width;
           r.height = lh;
           r.text = std::move(l.lines[i]);
-          r.font = f->second;
+          r.font = font;
           r.align = it.align;
           r.forecolor = it.forecolor;
           r.backcolor = it.backcolor;
@@ -588,7 +603,7 @@ Item* Section::Find(TextView name) {
 Report::Report(Text name) : name(std::move(name)) {}
 
 Report::Group& Report::AddGroup(Text header_name, Text footer_name, Text group_by) {
-  groups_.emplace_back(std::move(header_name), std::move(footer_name));
+  groups_.emplace_back(header_name, footer_name);
   groups_.back().header.group_by = std::move(group_by);
   return groups_.back();
 }

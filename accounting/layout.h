@@ -133,9 +133,8 @@ class Report {
   Section page_footer{u"PageFooter", SectionKind::kPageFooter};
   Section report_footer{u"ReportFooter", SectionKind::kReportFooter};
   struct Group {
-    Group(Text header_name, Text footer_name)
-        : header(std::move(header_name), SectionKind::kGroupHeader),
-          footer(std::move(footer_name), SectionKind::kGroupFooter) {}
+    Group(const Text& header_name, const Text& footer_name)
+        : header(header_name, SectionKind::kGroupHeader), footer(footer_name, SectionKind::kGroupFooter) {}
     Section header;
     Section footer;
   };
