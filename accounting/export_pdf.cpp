@@ -72,6 +72,8 @@ class PdfWriter {
     // Backgrounds, boxes and underlines first, then all the text of the page in one text object.
     for (const ReportRun& r : p.runs) Decorations(page, r);
     HPDF_Page_BeginText(page);
+    text_font_ = -1;
+    text_colour_ = -1;
     for (const ReportRun& r : p.runs)
       if (!r.check_box) DrawText(page, r);
     HPDF_Page_EndText(page);
@@ -138,8 +140,15 @@ class PdfWriter {
     HPDF_Font font = Font(r);
     if (!font) return;
     const ReportFont& f = doc_.font(r);
-    HPDF_Page_SetFontAndSize(page, font, static_cast<HPDF_REAL>(f.size));
-    SetRgb(page, r.forecolor, true);
+    // Thousands of lines share a font and a colour: each is set only where it changes.
+    if (text_font_ != r.font) {
+      HPDF_Page_SetFontAndSize(page, font, static_cast<HPDF_REAL>(f.size));
+      text_font_ = r.font;
+    }
+    if (text_colour_ != r.forecolor) {
+      SetRgb(page, r.forecolor, true);
+      text_colour_ = r.forecolor;
+    }
     std::string bytes = Bytes(r.text);
     HPDF_REAL width = static_cast<HPDF_REAL>(layout::TextWidth(r.text, f) / 20.0);
     HPDF_Page_TextOut(page, TextX(r, width), Baseline(r), bytes.c_str());
@@ -171,6 +180,8 @@ class PdfWriter {
   const ReportDocument& doc_;
   HPDF_Doc pdf_;
   HPDF_REAL height_ = 792;
+  int text_font_ = -1;  // the font of the page's text object, -1 before the first
+  int32_t text_colour_ = -1;
   std::map<uint16_t, HPDF_Font> fonts_;
   std::map<std::filesystem::path, HPDF_Image> images_;
 };

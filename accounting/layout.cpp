@@ -147,7 +147,8 @@ class Runner {
   const Regional& regional_;
   ReportDocument doc_;
   std::unordered_map<const Section*, SectionState> states_;
-  std::vector<Text> columns_;  // by slot: the cursor's name for the column, empty when it lacks it
+  std::vector<Text> columns_;  // by slot: the column a layout names
+  std::vector<int> ordinals_;  // by slot: its place in the cursor, -1 when the cursor lacks it
   std::unordered_map<Text, int> slot_by_field_;
   std::vector<int> group_slots_;
   std::unordered_map<const Item*, uint16_t> fonts_;
@@ -184,20 +185,20 @@ void Runner::Prepare(Recordset* rows) {
     group_slots_.push_back(g.header.group_by.empty() ? -1 : Slot(g.header.group_by));
   // A layout may name a column by its table ("Seller.Name") where the query has it plain, or the other
   // way round; a column the query does not give at all prints empty.
-  for (Text& column : columns_) {
-    if (!rows || rows->HasField(column)) continue;
-    size_t dot = column.find(u'.');
-    if (dot != Text::npos && rows->HasField(column.substr(dot + 1)))
-      column = column.substr(dot + 1);
-    else
-      column.clear();
+  ordinals_.assign(columns_.size(), -1);
+  if (!rows) return;
+  for (size_t i = 0; i < columns_.size(); ++i) {
+    int at = rows->FieldOrdinal(columns_[i]);
+    size_t dot = columns_[i].find(u'.');
+    if (at < 0 && dot != Text::npos) at = rows->FieldOrdinal(TextView(columns_[i]).substr(dot + 1));
+    ordinals_[i] = at;
   }
 }
 
 void Runner::ReadRow(Recordset& rows, Row& out) {
-  out.resize(columns_.size());
-  for (size_t i = 0; i < columns_.size(); ++i)
-    out[i] = columns_[i].empty() ? Variant() : rows.Fields(columns_[i]);
+  out.resize(ordinals_.size());
+  for (size_t i = 0; i < ordinals_.size(); ++i)
+    out[i] = ordinals_[i] < 0 ? Variant() : rows.FieldAt(ordinals_[i]);
 }
 
 bool Runner::Format(Section& s, const Row* row) {
@@ -241,14 +242,17 @@ Block Runner::Build(Section& s) {
         if (l.lines.size() > fit) l.lines.resize(fit);
         // A figure cut short would be a wrong figure: one too wide for its box prints smaller instead.
         bool figure = it.kind == ItemKind::kField && (it.value.number() || it.value.currency());
-        int wide = figure && l.lines.size() == 1 ? TextWidth(l.lines[0], font) : 0;
-        if (wide > it.width) {
-          ReportFont smaller = font;
-          smaller.size = std::max(kSmallestFigure, std::floor(font.size * it.width / wide * 2) / 2);
-          l.font = doc_.FontIndex(smaller);
-          l.lines[0] = FitText(l.lines[0], smaller, it.width);
-        } else {
-          for (Text& line : l.lines) line = FitText(line, font, it.width);
+        for (Text& line : l.lines) {
+          int wide = TextWidth(line, font);
+          if (wide <= it.width) continue;
+          if (figure && l.lines.size() == 1) {
+            ReportFont smaller = font;
+            smaller.size = std::max(kSmallestFigure, std::floor(font.size * it.width / wide * 2) / 2);
+            l.font = doc_.FontIndex(smaller);
+            line = FitText(line, smaller, it.width);
+          } else {
+            line = FitText(line, font, it.width);
+          }
         }
       }
       l.growth = l.height - it.height;
@@ -428,6 +432,8 @@ void Runner::BeginPage(bool with_header) {
   ReportPage page;
   page.width = p.width;
   page.height = p.height;
+  // Pages of a report hold much the same number of lines.
+  if (!doc_.pages.empty()) page.runs.reserve(doc_.pages.back().runs.size());
   doc_.pages.push_back(std::move(page));
   y_ = p.top_margin;
   content_top_ = y_;

@@ -9,17 +9,35 @@
 #include "core/primitives/encoding.h"
 #include "core/primitives/text.h"
 
+#include <string_view>
+
 namespace lw::layout {
 
 namespace {
 
 enum Family { kSans, kSerif, kMono };
 
+// Whether `name` holds `part` (lower-case ASCII), ignoring case; text is measured for every field of
+// every row, so this stays free of allocations.
+bool Holds(TextView name, std::string_view part) {
+  for (size_t i = 0; i + part.size() <= name.size(); ++i) {
+    size_t k = 0;
+    while (k < part.size()) {
+      char16_t c = name[i + k];
+      if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c - u'A' + u'a');
+      if (c != static_cast<char16_t>(part[k])) break;
+      ++k;
+    }
+    if (k == part.size()) return true;
+  }
+  return false;
+}
+
 Family FamilyOf(const ReportFont& font) {
-  Text n = LCase(font.name);
-  if (InStr(n, u"courier") || InStr(n, u"mono") || InStr(n, u"consol")) return kMono;
-  if (InStr(n, u"times") || InStr(n, u"serif") || InStr(n, u"roman") || InStr(n, u"georgia"))
-    return InStr(n, u"sans") ? kSans : kSerif;
+  TextView n = font.name;
+  if (Holds(n, "courier") || Holds(n, "mono") || Holds(n, "consol")) return kMono;
+  if (Holds(n, "times") || Holds(n, "serif") || Holds(n, "roman") || Holds(n, "georgia"))
+    return Holds(n, "sans") ? kSans : kSerif;
   return kSans;
 }
 
@@ -120,6 +138,11 @@ Text FitText(TextView text, const ReportFont& font, int width) {
 
 std::vector<Text> BreakLines(TextView text, const ReportFont& font, int width, bool wrap) {
   std::vector<Text> lines;
+  // Most fields hold one short line.
+  if (text.find_first_of(u"\r\n") == TextView::npos && (!wrap || TextWidth(text, font) <= width)) {
+    lines.emplace_back(text);
+    return lines;
+  }
   size_t from = 0;
   for (;;) {
     size_t end = text.find_first_of(u"\r\n", from);
