@@ -202,9 +202,12 @@ void MainForm::BuildControls() {
   // A column the user widens or narrows keeps its width for the next start.
   for (auto [grid, section] :
        {std::pair{&seller_grid, u"Sellergrid"}, std::pair{&buyer_grid, u"Buyergrid"}}) {
-    grid->OnColResize = [this, grid, section](int col) {
-      program_->settings.SaveSetting(kAppKey, section, FromUtf8(std::to_string(col)),
-                                     FromUtf8(std::to_string(grid->column(col).width)));
+    // Named copies: a lambda cannot capture structured bindings on every compiler the code is built with.
+    Grid* resized = grid;
+    const char16_t* key = section;
+    resized->OnColResize = [this, resized, key](int col) {
+      program_->settings.SaveSetting(kAppKey, key, FromUtf8(std::to_string(col)),
+                                     FromUtf8(std::to_string(resized->column(col).width)));
     };
   }
   buyer_grid.SetVisible(false);
