@@ -52,7 +52,7 @@ class TreeView : public Control {
   const std::vector<int>& Roots() const { return roots_; }
   bool HasChildren(int at) const { return !node(at).children.empty(); }
 
-  void SetText(int at, const Text& text);
+  void SetNodeText(int at, const Text& text);
   void SetTag(int at, const Text& tag);
   int64_t Data(int at) const { return node(at).data; }
   void SetData(int at, int64_t data);
