@@ -2,6 +2,14 @@
 // report, and the averages of the period reports.
 #include <gtest/gtest.h>
 
+#include <stb/stb_image_write.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "accounting/export.h"
+#include "accounting/export_reading.h"
 #include "accounting/report_catalogue.h"
 #include "accounting/reports.h"
 #include "core/primitives/encoding.h"
@@ -137,6 +145,36 @@ TEST_F(ReportLayoutTest, AveragesDivideExactlyAndShowNAForAnEmptyPeriod) {
   auto first = LineOf(full, u"1");
   EXPECT_EQ(first[3]->text, u"$0.00");
   EXPECT_EQ(first[3]->forecolor, kRed);
+}
+
+TEST_F(ReportLayoutTest, TheAuctionsPictureReachesThePageTheHtmlAndThePdf) {
+  namespace fs = std::filesystem;
+  fs::path picture = path_.parent_path() / "vase.png";
+  unsigned char pixels[4 * 4 * 3];
+  for (size_t i = 0; i < sizeof pixels; ++i) pixels[i] = static_cast<unsigned char>(i * 7);
+  ASSERT_TRUE(stbi_write_png(picture.c_str(), 4, 4, 3, pixels, 4 * 3));
+  Exec(
+      "INSERT INTO seller (Item, Title, username, Price, Pic_location, status_log) VALUES ('1', 'Vase', "
+      "'ann', 5, '" +
+      picture.string() + "', 'Won by bob')");
+  Exec("INSERT INTO seller (Item, Title, username, Price, Pic_location) VALUES ('2', 'Jug', 'ann', 5, '" +
+       (path_.parent_path() / "missing.png").string() + "')");
+  ReportDocument doc = Run(u"auction_detail", "Select * From seller where  seller.item = '1'");
+  ASSERT_EQ(doc.pages.size(), 1u);
+  ASSERT_EQ(doc.pages[0].pictures.size(), 1u);
+  EXPECT_EQ(doc.pages[0].pictures[0].file, picture);
+  // A picture that is not there leaves its place empty.
+  EXPECT_TRUE(
+      Run(u"auction_detail", "Select * From seller where  seller.item = '2'").pages[0].pictures.empty());
+
+  report_export::WriteHtml(doc, path_.parent_path(), u"detail");
+  std::ifstream in(path_.parent_path() / "detail.html");
+  std::string html((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  EXPECT_NE(html.find("src=\"data:image/png;base64,iVBORw0KGgo"), std::string::npos);
+  report_export::WritePdf(doc, path_.parent_path() / "detail.pdf");
+  std::string images = report_export::CommandOutput(
+      "pdfimages -list '" + (path_.parent_path() / "detail.pdf").string() + "' 2>/dev/null");
+  EXPECT_NE(images.find("     4     4  rgb"), std::string::npos) << images;
 }
 
 }  // namespace
