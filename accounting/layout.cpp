@@ -563,41 +563,33 @@ Item& Section::Add(Item item) {
   return items_.back();
 }
 
-Item& Section::AddLabel(Text name, Text caption, int left, int top, int width, int height) {
+Item& Section::Place(Text name, ItemKind kind, int left, int top, int width, int height) {
   Item it;
   it.name = std::move(name);
-  it.kind = ItemKind::kLabel;
-  it.caption = std::move(caption);
+  it.kind = kind;
   it.left = left;
   it.top = top;
   it.width = width;
   it.height = height;
   return Add(std::move(it));
+}
+
+Item& Section::AddLabel(Text name, Text caption, int left, int top, int width, int height) {
+  Item& it = Place(std::move(name), ItemKind::kLabel, left, top, width, height);
+  it.caption = std::move(caption);
+  return it;
 }
 
 Item& Section::AddField(Text name, Text data_field, int left, int top, int width, Text output_format,
                         int height) {
-  Item it;
-  it.name = std::move(name);
-  it.kind = ItemKind::kField;
+  Item& it = Place(std::move(name), ItemKind::kField, left, top, width, height);
   it.data_field = std::move(data_field);
   it.output_format = std::move(output_format);
-  it.left = left;
-  it.top = top;
-  it.width = width;
-  it.height = height;
-  return Add(std::move(it));
+  return it;
 }
 
 Item& Section::AddLine(Text name, int left, int top, int width, int height) {
-  Item it;
-  it.name = std::move(name);
-  it.kind = ItemKind::kLine;
-  it.left = left;
-  it.top = top;
-  it.width = width;
-  it.height = height;
-  return Add(std::move(it));
+  return Place(std::move(name), ItemKind::kLine, left, top, width, height);
 }
 
 Item* Section::Find(TextView name) {

@@ -96,6 +96,8 @@ class Section {
 
   // Items keep their address for the life of the section, so code can hold on to them.
   Item& Add(Item item);
+  // An item of a kind at its place, to be filled in.
+  Item& Place(Text name, ItemKind kind, int left, int top, int width, int height);
   Item& AddLabel(Text name, Text caption, int left, int top, int width, int height = 240);
   Item& AddField(Text name, Text data_field, int left, int top, int width, Text output_format = Text(),
                  int height = 240);

@@ -144,13 +144,47 @@ Text Fill(TextView statement, const ReportInputs& in) {
   return Replace(s, u"{today}", in.today);
 }
 
-ReportChoice Choice(const char16_t* layout, const char16_t* status, const char16_t* title = u"") {
-  ReportChoice c;
-  c.layout = layout;
-  c.status = status;
-  c.title = title;
-  return c;
-}
+// The report entries: layout, status text, the title they give the layout, their two statements (no
+// view statement for the bidder's reports), and whether they are dated, summaries, or take the sales
+// without bids as well.
+struct ReportRow {
+  int index;
+  const char16_t* layout;
+  const char16_t* status;
+  const char16_t* title;
+  const char16_t* report;
+  const char16_t* view;
+  bool dated = false;
+  bool summary = false;
+  bool without_bids = false;
+};
+
+constexpr ReportRow kReports[] = {
+    {2, u"invoice", u"Print Invoice", u"Auction Invoice from user id:", kInvoiceQuery, kInvoiceView},
+    {3, u"invoice", u"Print Statement", u"Auction Statement/Invoice from user id:", kStatementQuery,
+     kInvoiceView},
+    {4, u"sale2datesfull", u"Sales between 2 dates - Full Report", u"", kSalesQuery, kSalesView, true},
+    {5, u"sale2datesfull", u"Sales between 2 dates - Summary Report", kSummaryTitle, kSalesQuery, kSalesView,
+     true, true},
+    {6, u"sale2datesfull", u"Sales between 2 dates - Full Report (includes no bids)", u"", kSalesQuery,
+     kSalesView, true, false, true},
+    {7, u"sale2datesfull", u"Sales between 2 dates - Summary Report (includes no bids)", kSummaryTitle,
+     kSalesQuery, kSalesView, true, true, true},
+    {8, u"profit100", u"Top 100 Sales", u"", kTopQuery, kTopQuery},
+    {9, u"profit100combined", u"Top 100 Sales", u"", kTopCombinedQuery, u""},
+    {10, u"sale2datesfull", u"Sales for Single Item", u"Items Listed", kSingleItemQuery, kSingleItemQuery},
+    {12, u"auction_detail", u"Print Auction Details", u"", kDetailQuery, kDetailQuery},
+    {13, u"maillabelreport", u"Print mailing label", u"", kLabelQuery, kLabelView},
+    {15, u"contactsummary_1", kContactStatus, u"", kContactQuery, kContactView},
+    {16, u"days_ended", u"Days Since Auction Ended - All Auctions", u"", kDaysAllQuery, kDaysAllView},
+    {17, u"days_ended", u"Days Since Auction Ended - Transactions in Progress", u"", kDaysOpenQuery,
+     kDaysOpenView},
+    {18, u"feedback", u"Feedback Not Sent", u"", kFeedbackQuery, kFeedbackView},
+    {20, u"contactsummary_2", kContactStatus, u"", kBidderContactQuery, u""},
+    {21, u"feedback_bidder", u"Feedback Not Sent", u"", kBidderFeedbackQuery, u""},
+    {23, u"purch2datesfull", u"Purchases between 2 dates - Full Report", u"", kPurchasesQuery, u"", true},
+    {24, u"purch2datessum", u"Purchases between 2 dates - Summary Report", u"", kPurchasesQuery, u"", true},
+};
 
 }  // namespace
 
@@ -169,97 +203,24 @@ bool UsesReportDates(int index) {
 }
 
 std::optional<ReportChoice> ComposeReport(int index, const ReportInputs& in) {
-  ReportChoice c;
-  auto both = [&](TextView report, TextView view) {
-    c.report_query = Fill(report, in);
-    c.view_query = view.empty() ? Text() : Fill(view, in);
-  };
-  switch (index) {
-    case 2:
-      c = Choice(u"invoice", u"Print Invoice", u"Auction Invoice from user id:");
-      both(kInvoiceQuery, kInvoiceView);
-      break;
-    case 3:
-      c = Choice(u"invoice", u"Print Statement", u"Auction Statement/Invoice from user id:");
-      both(kStatementQuery, kInvoiceView);
-      break;
-    case 4:
-    case 5:
-    case 6:
-    case 7: {
-      static constexpr const char16_t* kStatus[] = {
-          u"Sales between 2 dates - Full Report", u"Sales between 2 dates - Summary Report",
-          u"Sales between 2 dates - Full Report (includes no bids)",
-          u"Sales between 2 dates - Summary Report (includes no bids)"};
-      c.layout = u"sale2datesfull";
-      c.status = kStatus[index - 4];
-      c.summary = index == 5 || index == 7;
-      if (c.summary) c.title = kSummaryTitle;
-      c.dated = true;
-      Text report = kSalesQuery, view = kSalesView;
-      if (index >= 6) {
-        report = Replace(report, kPricedTail, kAllTail);
-        view = Replace(view, kPricedTail, kAllTail);
-      }
-      both(report, view);
-      break;
-    }
-    case 8:
-      c = Choice(u"profit100", u"Top 100 Sales");
-      both(kTopQuery, kTopQuery);
-      break;
-    case 9:
-      c = Choice(u"profit100combined", u"Top 100 Sales");
-      both(kTopCombinedQuery, u"");
-      break;
-    case 10:
-      c = Choice(u"sale2datesfull", u"Sales for Single Item", u"Items Listed");
-      both(kSingleItemQuery, kSingleItemQuery);
-      break;
-    case 12:
-      c = Choice(u"auction_detail", u"Print Auction Details");
-      both(kDetailQuery, kDetailQuery);
-      break;
-    case 13:
-      c = Choice(u"maillabelreport", u"Print mailing label");
-      both(kLabelQuery, kLabelView);
-      break;
-    case 15:
-      c = Choice(u"contactsummary_1", kContactStatus);
-      both(kContactQuery, kContactView);
-      break;
-    case 16:
-      c = Choice(u"days_ended", u"Days Since Auction Ended - All Auctions");
-      both(kDaysAllQuery, kDaysAllView);
-      break;
-    case 17:
-      c = Choice(u"days_ended", u"Days Since Auction Ended - Transactions in Progress");
-      both(kDaysOpenQuery, kDaysOpenView);
-      break;
-    case 18:
-      c = Choice(u"feedback", u"Feedback Not Sent");
-      both(kFeedbackQuery, kFeedbackView);
-      break;
-    case 20:
-      c = Choice(u"contactsummary_2", kContactStatus);
-      both(kBidderContactQuery, u"");
-      break;
-    case 21:
-      c = Choice(u"feedback_bidder", u"Feedback Not Sent");
-      both(kBidderFeedbackQuery, u"");
-      break;
-    case 23:
-    case 24:
-      c.layout = index == 23 ? u"purch2datesfull" : u"purch2datessum";
-      c.status = index == 23 ? u"Purchases between 2 dates - Full Report"
-                             : u"Purchases between 2 dates - Summary Report";
-      c.dated = true;
-      both(kPurchasesQuery, u"");
-      break;
-    default:
-      return std::nullopt;
+  for (const ReportRow& row : kReports) {
+    if (row.index != index) continue;
+    ReportChoice c;
+    c.layout = row.layout;
+    c.status = row.status;
+    c.title = row.title;
+    c.dated = row.dated;
+    c.summary = row.summary;
+    auto compose = [&](TextView statement) {
+      Text s(statement);
+      if (row.without_bids) s = Replace(s, kPricedTail, kAllTail);
+      return s.empty() ? s : Fill(s, in);
+    };
+    c.report_query = compose(row.report);
+    c.view_query = compose(row.view);
+    return c;
   }
-  return c;
+  return std::nullopt;
 }
 
 }  // namespace lw

@@ -123,14 +123,20 @@ void ProfitHeadings(Report& r, std::span<const Column> columns) {
   r.detail.Find(u"txtTitle")->can_grow = true;
 }
 
+// A report across the page with its title at the top of its report header.
+std::unique_ptr<Report> Titled(const char16_t* name, const char16_t* title, int header_height) {
+  auto r = std::make_unique<Report>(name);
+  Landscape(*r);
+  r->title = title;
+  r->report_header.height = header_height;
+  Title(r->report_header, u"lblReportTitle", title);
+  return r;
+}
+
 }  // namespace
 
 std::unique_ptr<Report> MakeProfit100(const LayoutContext&) {
-  auto r = std::make_unique<Report>(u"profit100");
-  Landscape(*r);
-  r->title = u"Profit Report Top 100 Sales";
-  r->report_header.height = 480;
-  Title(r->report_header, u"lblReportTitle", u"Profit Report Top 100 Sales");
+  auto r = Titled(u"profit100", u"Profit Report Top 100 Sales", 480);
   ProfitHeadings(*r, kProfitColumns);
   // One group over the whole report, for its footer of totals.
   Report::Group& g = r->AddGroup(u"GroupHeader1", u"GroupFooter1", u"");
@@ -141,11 +147,7 @@ std::unique_ptr<Report> MakeProfit100(const LayoutContext&) {
 }
 
 std::unique_ptr<Report> MakeProfit100Combined(const LayoutContext&) {
-  auto r = std::make_unique<Report>(u"profit100combined");
-  Landscape(*r);
-  r->title = u"Profit Report Top 100 Sales";
-  r->report_header.height = 480;
-  Title(r->report_header, u"lblReportTitle", u"Profit Report Top 100 Sales");
+  auto r = Titled(u"profit100combined", u"Profit Report Top 100 Sales", 480);
   // One row per title: the title and its rank head the row of its sums.
   Column columns[std::size(kProfitColumns)];
   std::copy(std::begin(kProfitColumns), std::end(kProfitColumns), columns);
@@ -198,11 +200,7 @@ std::unique_ptr<Report> MakeProfit100Combined(const LayoutContext&) {
 }
 
 std::unique_ptr<Report> MakeSale2DatesFull(const LayoutContext&) {
-  auto r = std::make_unique<Report>(u"sale2datesfull");
-  Landscape(*r);
-  r->title = u"Sales Report for Period";
-  r->report_header.height = 1000;
-  Title(r->report_header, u"lblReportTitle", u"Sales Report for Period");
+  auto r = Titled(u"sale2datesfull", u"Sales Report for Period", 1000);
   Item& heading = Title(r->report_header, u"lblHeading", u"", 400, 11);
   heading.visible = false;
   Label(r->report_header, u"lblBetween", u"Between", 0, 700, 800, true);

@@ -126,29 +126,27 @@ void BM_ProfitReportLaidOut(benchmark::State& state) {
 }
 BENCHMARK(BM_ProfitReportLaidOut)->Unit(benchmark::kMillisecond);
 
-void BM_ProfitReportToPdf(benchmark::State& state) {
-  fs::path file = Store().dir / "profit.pdf";
+// Laid out and written to `name` in the store's folder by `write`.
+template <void (*write)(const lw::ReportDocument&, const fs::path&)>
+void Exported(benchmark::State& state, const char* name) {
+  fs::path file = Store().dir / name;
   size_t pages = 0;
   for (auto _ : state) {
     lw::ReportDocument doc = ProfitReport();
-    lw::report_export::WritePdf(doc, file);
+    write(doc, file);
     pages = doc.pages.size();
   }
   Report(state, pages);
   state.counters["file_MB"] = static_cast<double>(fs::file_size(file)) / 1e6;
 }
+
+void BM_ProfitReportToPdf(benchmark::State& state) {
+  Exported<lw::report_export::WritePdf>(state, "profit.pdf");
+}
 BENCHMARK(BM_ProfitReportToPdf)->Unit(benchmark::kMillisecond);
 
 void BM_ProfitReportToSpreadsheet(benchmark::State& state) {
-  fs::path file = Store().dir / "profit.xls";
-  size_t pages = 0;
-  for (auto _ : state) {
-    lw::ReportDocument doc = ProfitReport();
-    lw::report_export::WriteSpreadsheet(doc, file);
-    pages = doc.pages.size();
-  }
-  Report(state, pages);
-  state.counters["file_MB"] = static_cast<double>(fs::file_size(file)) / 1e6;
+  Exported<lw::report_export::WriteSpreadsheet>(state, "profit.xls");
 }
 BENCHMARK(BM_ProfitReportToSpreadsheet)->Unit(benchmark::kMillisecond);
 

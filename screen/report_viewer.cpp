@@ -85,8 +85,7 @@ const ReportPage& ReportViewer::page(int number) const {
 }
 
 void ReportViewer::SetCurrentPage(int number) {
-  if (number < 1 || number > PageCount())
-    throw RuntimeError(err::kInvalidPropertyValue, "Invalid property value");
+  page(number);  // raises for a page the report does not have
   current_page_ = number;
 }
 
