@@ -123,14 +123,23 @@ void ProfitHeadings(Report& r, std::span<const Column> columns) {
   r.detail.Find(u"txtTitle")->can_grow = true;
 }
 
-// A report across the page with its title at the top of its report header.
-std::unique_ptr<Report> Titled(const char16_t* name, const char16_t* title, int header_height) {
+// A report with its title at the top of its report header; across the page unless `upright`.
+std::unique_ptr<Report> Titled(const char16_t* name, const char16_t* title, int header_height,
+                               bool upright = false) {
   auto r = std::make_unique<Report>(name);
-  Landscape(*r);
+  if (!upright) Landscape(*r);
   r->title = title;
   r->report_header.height = header_height;
   Title(r->report_header, u"lblReportTitle", title);
   return r;
+}
+
+// "Between", date1, "and", date2: the period, whose dates the report page fills in.
+void PeriodLine(Section& s, int top) {
+  Label(s, u"lblBetween", u"Between", 0, top, 800, true);
+  Label(s, u"date1", u"", 800, top, 1600);
+  Label(s, u"lblAnd", u"and", 2400, top, 500, true);
+  Label(s, u"date2", u"", 2900, top, 1600);
 }
 
 }  // namespace
@@ -203,10 +212,7 @@ std::unique_ptr<Report> MakeSale2DatesFull(const LayoutContext&) {
   auto r = Titled(u"sale2datesfull", u"Sales Report for Period", 1000);
   Item& heading = Title(r->report_header, u"lblHeading", u"", 400, 11);
   heading.visible = false;
-  Label(r->report_header, u"lblBetween", u"Between", 0, 700, 800, true);
-  Label(r->report_header, u"date1", u"", 800, 700, 1600);
-  Label(r->report_header, u"lblAnd", u"and", 2400, 700, 500, true);
-  Label(r->report_header, u"date2", u"", 2900, 700, 1600);
+  PeriodLine(r->report_header, 700);
   static constexpr Column kColumns[] = {
       {u"txtItem", u"Item", u"Item", 0, 1100},
       {u"txtTitle", u"Title", u"Title", 1100, 3000},
@@ -250,15 +256,10 @@ std::unique_ptr<Report> MakeSale2DatesFull(const LayoutContext&) {
 }
 
 std::unique_ptr<Report> MakePurchases(const LayoutContext&, bool summary) {
-  auto r = std::make_unique<Report>(summary ? u"purch2datessum" : u"purch2datesfull");
-  const char16_t* title = summary ? u"Purchase Summary Report for Period" : u"Purchase Report for Period";
-  r->title = title;
-  r->report_header.height = 1000;
-  Title(r->report_header, u"lblReportTitle", title);
-  Label(r->report_header, u"lblBetween", u"Between", 0, 500, 800, true);
-  Label(r->report_header, u"date1", u"", 800, 500, 1600);
-  Label(r->report_header, u"lblAnd", u"and", 2400, 500, 500, true);
-  Label(r->report_header, u"date2", u"", 2900, 500, 1600);
+  auto r =
+      Titled(summary ? u"purch2datessum" : u"purch2datesfull",
+             summary ? u"Purchase Summary Report for Period" : u"Purchase Report for Period", 1000, true);
+  PeriodLine(r->report_header, 500);
   static constexpr Column kColumns[] = {
       {u"txtItem", u"Item", u"Item", 0, 1100},
       {u"txtTitle", u"Title", u"Title", 1100, 3400},
