@@ -8,8 +8,12 @@ packages=(
   g++ cmake ninja-build pkg-config clang libclang-rt-14-dev clang-format
   # libraries
   libsqlite3-dev sqlite3 libicu-dev libcurl4-openssl-dev libxml2-dev libxslt1-dev
+  # report layout and exports: PDF, spreadsheet, pictures
+  libhpdf-dev libxlsxwriter-dev libstb-dev
   # tests and benchmarks
   libgtest-dev libgmock-dev googletest libbenchmark-dev python3
+  # reading report exports back: the PDF's text, the spreadsheet's parts
+  poppler-utils unzip
 )
 
 missing=()
