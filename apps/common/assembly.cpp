@@ -6,6 +6,7 @@
 
 #include "core/store/store.h"
 #include "import/import_screen.h"
+#include "media/media_screen.h"
 #include "screen/main/startup.h"
 
 namespace lw {
@@ -56,6 +57,7 @@ void Assembly::Exit() {
 void RegisterSubsystems(Program& program) {
   // Each subsystem above the screen adds its Register...(program) call here.
   RegisterImport(program);
+  RegisterMedia(program);
 }
 
 }  // namespace lw
