@@ -71,10 +71,13 @@ fi
 export LW_E2E_DIR="$dir"
 export LW_E2E_WORK="$work"
 # Scanners: the machine's own never take part in a test. A script with the line "# scanner: test" sees
-# SANE's test devices ("test:0", "test:1"); every other script sees none.
+# SANE's test devices ("test:0", "test:1", set up by scanner_test.conf); every other script sees none.
 mkdir -p "$work/sane"
 : > "$work/sane/dll.conf"
-if grep -q -E '^# scanner: test' "$script"; then echo test > "$work/sane/dll.conf"; fi
+if grep -q -E '^# scanner: test' "$script"; then
+  echo test > "$work/sane/dll.conf"
+  cp "$dir/scanner_test.conf" "$work/sane/test.conf"
+fi
 export SANE_CONFIG_DIR="$work/sane"
 
 server_line=$(grep -m1 -E '^# server:' "$script" || true)
