@@ -27,8 +27,8 @@ inline const bool kSaneTestDevices = [] {
       std::filesystem::temp_directory_path() / ("lw_sane_" + std::to_string(::getpid()));
   std::filesystem::create_directories(dir);
   std::ofstream(dir / "dll.conf") << "test\n";
-  std::filesystem::copy_file(std::filesystem::path(LW_SOURCE_DIR) / "tests/e2e/scanner_test.conf", dir / "test.conf",
-                             std::filesystem::copy_options::overwrite_existing);
+  std::filesystem::copy_file(std::filesystem::path(LW_SOURCE_DIR) / "tests/e2e/scanner_test.conf",
+                             dir / "test.conf", std::filesystem::copy_options::overwrite_existing);
   setenv("SANE_CONFIG_DIR", dir.c_str(), 1);
   return true;
 }();

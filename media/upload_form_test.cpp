@@ -84,8 +84,9 @@ class UploadTest : public testing::MediaTest {
 TEST_F(UploadTest, SessionSendsThePictureAndKeepsTheAccount) {
   testing::LoopbackFtpServer server(dir_ / "ftp", {"--user", "pics:se cret;1"});
   fs::path picture = Copy("teapot.jpg", dir_ / "Shots" / "teapot.jpg");
-  Exec("INSERT INTO seller (Item, Title, username, Pic_location, Pic_name) VALUES ('1', 'Teapot', 'alice', '" +
-       ToUtf8(LCase(U(picture))) + "', 'Teapot.jpg')");
+  Exec(
+      "INSERT INTO seller (Item, Title, username, Pic_location, Pic_name) VALUES ('1', 'Teapot', 'alice', '" +
+      ToUtf8(LCase(U(picture))) + "', 'Teapot.jpg')");
   ShowSellers();
   Open([&](UploadForm& f) {
     EXPECT_EQ(f.caption, u"Upload Image");

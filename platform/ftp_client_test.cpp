@@ -180,7 +180,7 @@ TEST_F(FtpClientTest, AnonymousFetchOfTheUpdateFile) {
   EXPECT_GE(Act(ftp_action::kSendFile), 20500);
 }
 
-TEST_F(FtpClientTest, RefusedLogonIsReportedOnceAndRemembered) {
+TEST_F(FtpClientTest, RefusedLogonIsRememberedWithoutAskingAgain) {
   testing::LoopbackFtpServer server(dir_ / "server", {"--user", "pics:secret", "--mode", "refuse"});
   LogOn(server);
   EXPECT_EQ(Act(ftp_action::kConnect), ftp_error::kNotLoggedIn);
