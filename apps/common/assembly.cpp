@@ -4,6 +4,7 @@
 
 #include <system_error>
 
+#include "bidding/bid_screen.h"
 #include "core/store/store.h"
 #include "import/import_screen.h"
 #include "media/media_screen.h"
@@ -56,8 +57,9 @@ void Assembly::Exit() {
 
 void RegisterSubsystems(Program& program) {
   // Each subsystem above the screen adds its Register...(program) call here.
-  RegisterImport(program);
+  ImportScreen& import = RegisterImport(program);
   RegisterMedia(program);
+  RegisterBidding(program, MakeBidRoute(import));
 }
 
 }  // namespace lw
