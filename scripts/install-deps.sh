@@ -8,8 +8,12 @@ packages=(
   g++ cmake ninja-build pkg-config clang libclang-rt-14-dev clang-format
   # libraries
   libsqlite3-dev sqlite3 libicu-dev libcurl4-openssl-dev libxml2-dev libxslt1-dev
+  # pictures and the scanner (SANE is optional at build time; its test devices serve the tests)
+  libstb-dev libsane-dev libsane1
   # tests and benchmarks
   libgtest-dev libgmock-dev googletest libbenchmark-dev python3
+  # the loopback FTP server of the upload and update check tests
+  python3-pyftpdlib
 )
 
 missing=()
