@@ -202,7 +202,8 @@ void MainForm::BuildControls() {
   // A column the user widens or narrows keeps its width for the next start.
   for (auto [grid, section] :
        {std::pair{&seller_grid, u"Sellergrid"}, std::pair{&buyer_grid, u"Buyergrid"}}) {
-    grid->OnColResize = [this, grid, section](int col) {
+    // Captured by copy under names of their own: clang does not capture structured bindings.
+    grid->OnColResize = [this, grid = grid, section = section](int col) {
       program_->settings.SaveSetting(kAppKey, section, FromUtf8(std::to_string(col)),
                                      FromUtf8(std::to_string(grid->column(col).width)));
     };
