@@ -1,8 +1,2 @@
-# The maker's update server is the loopback FTP server, which offers the running version, 4.01; the forum the
-# announcements live on is a closed port. The network waits 3 seconds.
-mkdir -p "$XDG_CONFIG_HOME/lotwright" "$XDG_DATA_HOME/lotwright"
-printf '[Lotwright/Hosts]\nupdate=127.0.0.1:%s\nforum=127.0.0.1:9\n[Lotwright/Network]\ntimeout=3\n' "$LW_E2E_FTP_PORT" \
-  > "$XDG_CONFIG_HOME/lotwright/settings.ini"
-store="$XDG_DATA_HOME/lotwright/lw.mdb"
-cp "$LW_BINARY_DIR/share/lw.mdb" "$store"
-sqlite3 "$store" "UPDATE setup SET Userid = 'alice'"
+# The settings and store of the newer-version test; this test's server offers the running version.
+. "$LW_E2E_DIR/update_check_newer.setup.sh"

@@ -1,4 +1,4 @@
-# The update server takes connections and never answers; the last check was long ago. The network
+# The update server is the loopback FTP server; the last check was long ago. The network
 # waits 2 seconds.
 mkdir -p "$XDG_CONFIG_HOME/lotwright" "$XDG_DATA_HOME/lotwright"
 printf '[Lotwright/Hosts]\nupdate=127.0.0.1:%s\n[Lotwright/Network]\ntimeout=2\n[Lotwright/Database]\nlastupdatecheck=10/01/2026\n' \
