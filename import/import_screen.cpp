@@ -118,11 +118,12 @@ ImportContext& ImportScreen::Context() {
   return ctx;
 }
 
-void RegisterImport(Program& program) {
+ImportScreen& RegisterImport(Program& program) {
   auto screen = std::make_shared<ImportScreen>(program);
   program.subsystems.push_back(screen);
   RegisterDownload(*screen);
   RegisterAuctionImports(*screen);
+  return *screen;
 }
 
 }  // namespace lw

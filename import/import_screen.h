@@ -90,7 +90,7 @@ Text RowText(Recordset* row, TextView column, const Regional& regional);
 double RowNumber(Recordset* row, TextView column, const Regional& regional);
 
 // Creates the import screen, keeps it in the program and registers every import routine.
-void RegisterImport(Program& program);
+ImportScreen& RegisterImport(Program& program);
 
 // The units of the import screen, each registering its own routines.
 // Fetching: the days dialog, the update command, both transports' routes and their dispatch, sign-in,

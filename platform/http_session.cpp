@@ -97,7 +97,8 @@ HttpResponse HttpSession::Perform(const HttpRequest& request, const FetchControl
   Transfer transfer{&response, &control};
   std::array<char, CURL_ERROR_SIZE> error{};
   CURL* c = easy.get();
-  curl_easy_setopt(c, CURLOPT_URL, request.url.c_str());
+  const std::string address = BrowserAddress(request.url);
+  curl_easy_setopt(c, CURLOPT_URL, address.c_str());
   curl_easy_setopt(c, CURLOPT_SHARE, share_->handle);
   curl_easy_setopt(c, CURLOPT_COOKIEFILE, "");  // cookie engine on, nothing read from disk
   curl_easy_setopt(c, CURLOPT_PROTOCOLS_STR, "http,https,file");
@@ -206,6 +207,22 @@ std::string FormEncode(const std::string& value) {
 
 std::string PercentEncode(const std::string& value) {
   return Encode(value, "-_.~", false);
+}
+
+std::string BrowserAddress(const std::string& address) {
+  static constexpr char kHex[] = "0123456789ABCDEF";
+  std::string out;
+  out.reserve(address.size());
+  for (unsigned char c : address) {
+    if (c <= 0x20 || c >= 0x7F || std::strchr("\"<>\\^`{|}", c)) {
+      out += '%';
+      out += kHex[c >> 4];
+      out += kHex[c & 15];
+    } else {
+      out += static_cast<char>(c);
+    }
+  }
+  return out;
 }
 
 }  // namespace lw

@@ -77,5 +77,8 @@ std::string FormEncode(const std::string& value);
 // Percent-encoding of a query value: letters, digits and "-_.~" stay, everything else (blanks too)
 // becomes %XX.
 std::string PercentEncode(const std::string& value);
+// An address as a browser sends it: what cannot stand in an address (blanks, control characters, bytes
+// beyond ASCII, quotes, angle brackets ...) becomes %XX; everything else, escapes included, stays.
+std::string BrowserAddress(const std::string& address);
 
 }  // namespace lw

@@ -318,3 +318,16 @@ TEST(AsyncHttp, FailuresEndInTheErrorEventWithoutBlocking) {
 
 }  // namespace
 }  // namespace lw
+
+namespace lw {
+namespace {
+
+TEST(BrowserAddress, OnlyWhatCannotStandInAnAddressIsEscaped) {
+  EXPECT_EQ(BrowserAddress("http://h/a b?maxbid=12.50 &q=\xC3\xA9%20&k=a:b"),
+            "http://h/a%20b?maxbid=12.50%20&q=%C3%A9%20&k=a:b");
+  EXPECT_EQ(BrowserAddress("http://h/x?a=\"<|>\"&b=\x01"), "http://h/x?a=%22%3C%7C%3E%22&b=%01");
+  EXPECT_EQ(BrowserAddress("http://h/p?x=1&y=2#top"), "http://h/p?x=1&y=2#top");
+}
+
+}  // namespace
+}  // namespace lw

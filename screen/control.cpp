@@ -342,6 +342,7 @@ std::optional<Text> Control::Property(TextView name, const std::vector<Text>& ar
   if (n == u"backcolor") return Number(backcolor_);
   if (n == u"tooltip" || n == u"tooltiptext") return tooltip_;
   if (n == u"tag") return tag;
+  if (n == u"fontname") return font_name;
   if (n == u"datafield") return data_field_;
   if (n == u"datachanged") return Bool(data_changed_);
   if (n == u"helpcontextid") return Number(help_context_id);

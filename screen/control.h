@@ -121,6 +121,8 @@ class Control {
   const Text& tooltip() const { return tooltip_; }
   void SetTooltip(const Text& tip) { tooltip_ = tip; }
   Text tag;
+  // The typeface the control shows its text in; empty for the form's own.
+  Text font_name;
   int help_context_id = 0;
   // Maximum length of typed text, 0 for none.
   int max_length = 0;

@@ -93,8 +93,9 @@ Control& Form::Adopt(std::unique_ptr<Control> control) {
   if (&control->form() != this) throw std::logic_error("control adopted by a form it does not belong to");
   auto& same = by_name_[FoldName(control->name())];
   for (const Control* c : same) {
-    // A name is either one control or an array; the same member twice is a load of a loaded control.
-    if (c->index() == control->index() || (c->index() < 0) != (control->index() < 0))
+    // The same control twice is a load of a loaded control. A plain control and the members of an array
+    // may share a name: the screens name a lone `Label1` beside the members `Label1(89)` and on.
+    if (c->index() == control->index())
       throw RuntimeError(360, "Object already loaded: " + ToUtf8(control->Reference()));
   }
   same.push_back(control.get());

@@ -32,6 +32,11 @@ TEST(FormControls, NamesIgnoreCaseArraysKeepOrderAndDuplicatesAreRefused) {
   };
   EXPECT_EQ(number([&] { t.form.Add(ControlKind::TextBox, u"EmailLetter_txt", 1); }), 360);
   EXPECT_EQ(number([&] { t.form.Add(ControlKind::TextBox, u"label1"); }), 360);
+  // A lone control and an array may share a name; each reference finds its own.
+  Control& member = t.form.Add(ControlKind::Label, u"Label1", 89);
+  EXPECT_EQ(t.form.Find(u"label1", 89), &member);
+  EXPECT_NE(t.form.Find(u"label1"), &member);
+  EXPECT_EQ(t.form.Array(u"Label1").size(), 1u);
   EXPECT_EQ(number([&] { t.form.Get(u"emailletter_txt", 2); }), 340);
   EXPECT_EQ(number([&] { t.form.Get<Grid>(u"Label1"); }), 13);
   // A kind with a class of its own is made as that class.

@@ -91,6 +91,8 @@ class Ui {
   virtual void StartProgram(const std::filesystem::path& program, const std::vector<Text>& arguments) = 0;
   // Ends the process at once. Never returns: implementations throw ProcessEnd (or exit).
   [[noreturn]] virtual void EndProcess(int code) = 0;
+  // The short warning sound of a refused action. Silent where there is no speaker.
+  virtual void Beep() {}
 };
 
 // Sets the wait cursor for the life of the object, and back even when the call throws.

@@ -10,10 +10,14 @@ packages=(
   libsqlite3-dev sqlite3 libicu-dev libcurl4-openssl-dev libxml2-dev libxslt1-dev
   # report layout and exports: PDF, spreadsheet, pictures
   libhpdf-dev libxlsxwriter-dev libstb-dev
+  # the scanner (optional at build time; SANE's test devices serve the tests)
+  libsane-dev libsane1
   # tests and benchmarks
   libgtest-dev libgmock-dev googletest libbenchmark-dev python3
   # reading report exports back: the PDF's text, the spreadsheet's parts
   poppler-utils unzip
+  # the loopback FTP server of the upload and update check tests
+  python3-pyftpdlib
 )
 
 missing=()

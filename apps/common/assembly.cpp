@@ -7,9 +7,11 @@
 #include "accounting/charges_screen.h"
 #include "accounting/fees_screen.h"
 #include "accounting/report_screen.h"
+#include "bidding/bid_screen.h"
 #include "core/store/store.h"
 #include "import/import_screen.h"
 #include "listing/listing_screen.h"
+#include "media/media_screen.h"
 #include "screen/main/startup.h"
 
 namespace lw {
@@ -59,11 +61,13 @@ void Assembly::Exit() {
 
 void RegisterSubsystems(Program& program) {
   // Each subsystem above the screen adds its Register...(program) call here.
-  RegisterImport(program);
+  ImportScreen& import = RegisterImport(program);
   RegisterCharges(program);
   RegisterFees(program);
   RegisterListing(program);
   RegisterReports(program);
+  RegisterMedia(program);
+  RegisterBidding(program, MakeBidRoute(import));
 }
 
 }  // namespace lw

@@ -741,6 +741,10 @@ void Driver::WaitForStartedPrograms(std::chrono::seconds limit) {
   }
 }
 
+void Driver::Beep() {
+  outside_.push_back("beep");
+}
+
 void Driver::EndProcess(int code) {
   throw ProcessEnd{code};
 }

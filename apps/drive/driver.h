@@ -64,6 +64,7 @@ class Driver : public Ui {
   void OpenAddress(const Text& address) override;
   void StartProgram(const std::filesystem::path& program, const std::vector<Text>& arguments) override;
   [[noreturn]] void EndProcess(int code) override;
+  void Beep() override;
 
   bool wait_cursor() const { return wait_cursor_ > 0; }
 

@@ -311,6 +311,7 @@ void MainForm::RegisterOwnRoutines() {
   RegisterUserids(*this);
   RegisterViews(*this);
   RegisterRecords(*this);
+  RegisterUpdateCheck(*this);
 }
 
 void MainForm::RunCommand(const std::string& routine) {

@@ -21,6 +21,7 @@
 # is in LW_E2E_<NAME>_PORT (NAME upper-cased) and replaces "@<NAME>_PORT@" in the scripts.
 #   NAME.after.sh  optional: runs after the last run, with the same variables; what it prints is added
 #                  to the transcript after a line "--- after ---" (to show what a server recorded)
+# A line "# scanner: test" gives the runs SANE's test scanners; without it they see no scanner at all.
 # With LW_E2E_UPDATE=1 in the environment the transcript replaces NAME.expected.
 set -u
 
@@ -69,6 +70,15 @@ fi
 # program reads its regional values through ICU.
 export LW_E2E_DIR="$dir"
 export LW_E2E_WORK="$work"
+# Scanners: the machine's own never take part in a test. A script with the line "# scanner: test" sees
+# SANE's test devices ("test:0", "test:1", set up by scanner_test.conf); every other script sees none.
+mkdir -p "$work/sane"
+: > "$work/sane/dll.conf"
+if grep -q -E '^# scanner: test' "$script"; then
+  echo test > "$work/sane/dll.conf"
+  cp "$dir/scanner_test.conf" "$work/sane/test.conf"
+fi
+export SANE_CONFIG_DIR="$work/sane"
 
 server_line=$(grep -m1 -E '^# server:' "$script" || true)
 if [[ -n "$server_line" ]]; then

@@ -1,0 +1,39 @@
+#include "screen/picture_box.h"
+
+#include <string>
+
+#include "core/primitives/encoding.h"
+#include "screen/names.h"
+
+namespace lw {
+
+void PictureBox::SetFileName(const Text& file) {
+  file_name_.clear();
+  details_ = PictureDetails{};
+  if (file.empty()) return;
+  if (!reader) throw RuntimeError(err::kInvalidPicture, "Invalid picture");
+  details_ = reader(std::filesystem::path(ToUtf8(file)));
+  file_name_ = file;
+}
+
+void PictureBox::SetDisplayMode(int mode) {
+  if (mode != kFitToWidth && mode != kBestFit && mode != kActualSize)
+    throw RuntimeError(err::kInvalidPropertyValue, "Invalid property value");
+  display_mode_ = mode;
+}
+
+std::optional<Text> PictureBox::Property(TextView name, const std::vector<Text>& args) const {
+  if (args.empty()) {
+    const Text n = FoldName(name);
+    auto number = [](auto v) { return FromUtf8(std::to_string(v)); };
+    if (n == u"filename") return file_name_;
+    if (n == u"displaymode") return number(display_mode_);
+    if (n == u"picwidth") return number(details_.width);
+    if (n == u"picheight") return number(details_.height);
+    if (n == u"picsize") return number(details_.size);
+    if (n == u"picdepth") return number(details_.depth);
+  }
+  return Control::Property(name, args);
+}
+
+}  // namespace lw

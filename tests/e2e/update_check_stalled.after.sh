@@ -1,0 +1,1 @@
+grep -i lastupdatecheck "$XDG_CONFIG_HOME/lotwright/settings.ini"
