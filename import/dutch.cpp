@@ -351,7 +351,7 @@ bool parse_bidder_dutch_auctions(ImportContext& ctx, const Text& line) {
   size_t bracket = InStr(at, line, u")");
   size_t dollar = InStr(at, line, u"$");
   double quantity = bracket ? Val(Mid(line, bracket + 1)) : 0;
-  double price = dollar ? Val(Replace(Mid(line, dollar + 1), u",", u"")) : 0;
+  double price = dollar ? Val(Mid(line, dollar + 1)) : 0;
   Recordset& rs = ctx.bidder.recordset();
   rs.Edit();
   rs.SetField(u"Quantity", quantity);

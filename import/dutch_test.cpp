@@ -158,6 +158,15 @@ TEST_F(DutchTest, BidderFindsOwnLine) {
   EXPECT_FALSE(get_bidder_dutch_auctions(*ctx_, other));
   ASSERT_EQ(ui_.shown.size(), 1u);
   EXPECT_EQ(ToUtf8(ui_.shown[0].title), "Userid Not Found");
+
+  // The bidder's price is read by Val as the page gives it, as the seller's is.
+  ctx_->userid = u"lotseller";
+  FileDisplay dear;
+  dear.set_text(
+      u"Bidder Item Price Quantity Date of Bid\r\nlotseller (12) 1 $1,250.00 Nov-2-26 PST\r\n"
+      u"Copyright eBay Inc. All Rights Reserved.\r\n");
+  EXPECT_TRUE(get_bidder_dutch_auctions(*ctx_, dear));
+  EXPECT_EQ(Num(*Rows("Select * From bidder where Item = '4019990004'"), "Price"), 1);
 }
 
 TEST_F(DutchTest, SellerCommandChecksAndAddresses) {

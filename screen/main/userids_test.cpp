@@ -187,6 +187,24 @@ TEST_F(UseridTest, WizardApostropheInUseridChangesNothing) {
   EXPECT_EQ(Value(u"Select * From seller", u"username"), kNoUserid);
 }
 
+TEST_F(UseridTest, AddRefusesAnIdThatDiffersOnlyInCapitalsFromAListedOne) {
+  // An id stored with capitals (by an older version or by hand): the store matches auctions to user ids
+  // without regard to case, so a new "piet" would take over the auctions of "Piet".
+  Start();
+  Execute(u"Insert Into setup (Userid, Password, Name) Values ('Piet', 'pw', 'Piet')");
+  program_->startup.setup->Requery();
+  main().load_userids();
+  main().Userid_lst.UserSet(u"jan");
+  main().SSTab1.UserTab(kSetupPage);
+  ui_.boxes.clear();
+  Toolbar5(1);
+  Type(main(), u"setup_txt", 0, u"piet");
+  field(0).UserLeave();
+  EXPECT_EQ(Titles(), std::vector<Text>{u"Can't Add Userid"});
+  EXPECT_EQ(Count(u"Select * From setup"), 2);
+  EXPECT_EQ(main().Userid_lst.text(), u"jan");
+}
+
 TEST_F(UseridTest, AddChecksDuplicatesAndCancelRemovesTheRow) {
   TwoUsers();
   EXPECT_FALSE(field(0).enabled());
