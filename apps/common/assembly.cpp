@@ -4,6 +4,7 @@
 
 #include <system_error>
 
+#include "aftersale/aftersale_screen.h"
 #include "core/store/store.h"
 #include "import/import_screen.h"
 #include "screen/main/startup.h"
@@ -56,6 +57,7 @@ void Assembly::Exit() {
 void RegisterSubsystems(Program& program) {
   // Each subsystem above the screen adds its Register...(program) call here.
   RegisterImport(program);
+  RegisterAfterSale(program);
 }
 
 }  // namespace lw
