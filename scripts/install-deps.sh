@@ -10,6 +10,9 @@ packages=(
   libsqlite3-dev sqlite3 libicu-dev libcurl4-openssl-dev libxml2-dev libxslt1-dev
   # tests and benchmarks
   libgtest-dev libgmock-dev googletest libbenchmark-dev python3
+  # mail: the user's mail program and PDF viewer are reached through xdg-utils; letters are printed
+  # through libharu; the tests run a local SMTP server and read printed letters back
+  xdg-utils libhpdf-dev python3-aiosmtpd poppler-utils
 )
 
 missing=()
