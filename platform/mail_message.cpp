@@ -42,14 +42,27 @@ std::string Base64(const std::string& bytes) {
   return out;
 }
 
+// A run of characters without a blank longer than a header line can hold cannot be folded.
+bool Unfoldable(const std::string& text) {
+  size_t run = 0;
+  for (char c : text) {
+    run = c == ' ' ? 0 : run + 1;
+    if (run > kLongestLine - kFoldAt) return true;
+  }
+  return false;
+}
+
 // Encoded words of at most 45 bytes of text each (60 after encoding), never splitting a character.
+// Plain ASCII that folds stays as it is.
 std::string EncodedWords(const std::string& text) {
-  if (PlainAscii(text)) return text;
+  if (PlainAscii(text) && !Unfoldable(text)) return text;
   std::string out;
   size_t at = 0;
   while (at < text.size()) {
     size_t end = std::min(text.size(), at + 45);
     while (end < text.size() && end > at && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+    // Bytes that are no UTF-8 at all are cut where they fall.
+    if (end == at) end = std::min(text.size(), at + 45);
     if (!out.empty()) out += ' ';
     out += "=?UTF-8?B?" + Base64(text.substr(at, end - at)) + "?=";
     at = end;

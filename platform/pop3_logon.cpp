@@ -40,6 +40,11 @@ void SplitHost(const std::string& field, std::string& name, int& port) {
   }
 }
 
+// The whole seconds of a timeout, at least one, for libcurl's wait for a server's answer.
+long ResponseSeconds(std::chrono::milliseconds timeout) {
+  return std::max<long>(1, static_cast<long>((timeout.count() + 999) / 1000));
+}
+
 }  // namespace
 
 void InitCurlForMail() {
@@ -57,17 +62,12 @@ std::string MailServerUrl(const std::string& scheme, const std::string& host, in
   return scheme + "://" + name + ":" + std::to_string(port) + "/";
 }
 
-long ResponseSeconds(std::chrono::milliseconds timeout) {
-  return std::max<long>(1, static_cast<long>((timeout.count() + 999) / 1000));
-}
-
 void Pop3Logon(const Pop3Account& account) {
   InitCurlForMail();
   if (account.host.empty()) throw RuntimeError(CURLE_URL_MALFORMAT, "No POP3 server to log on to");
   std::unique_ptr<CURL, EasyCloser> easy(curl_easy_init());
   if (!easy) throw RuntimeError(CURLE_FAILED_INIT, "Cannot start a POP3 logon");
   CURL* c = easy.get();
-  std::array<char, CURL_ERROR_SIZE> error{};
   const std::string url = MailServerUrl("pop3", account.host, 110);
   curl_easy_setopt(c, CURLOPT_URL, url.c_str());
   curl_easy_setopt(c, CURLOPT_PROTOCOLS_STR, "pop3");
@@ -78,18 +78,24 @@ void Pop3Logon(const Pop3Account& account) {
   // After the logon one harmless command with a one-line answer, then QUIT: no mail is read.
   curl_easy_setopt(c, CURLOPT_CUSTOMREQUEST, "NOOP");
   curl_easy_setopt(c, CURLOPT_NOBODY, 1L);
+  RunMailTransfer(c, account.timeout, "POP3 logon failed: ");
+}
+
+void RunMailTransfer(void* c, std::chrono::milliseconds timeout, const std::string& failure) {
+  std::array<char, CURL_ERROR_SIZE> error{};
+  // STARTTLS (STLS) whenever the server offers it; a server without it is still served.
   curl_easy_setopt(c, CURLOPT_USE_SSL, static_cast<long>(CURLUSESSL_TRY));
-  curl_easy_setopt(c, CURLOPT_TIMEOUT_MS, static_cast<long>(account.timeout.count()));
-  curl_easy_setopt(c, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(account.timeout.count()));
+  curl_easy_setopt(c, CURLOPT_TIMEOUT_MS, static_cast<long>(timeout.count()));
+  curl_easy_setopt(c, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(timeout.count()));
   curl_easy_setopt(c, CURLOPT_NOSIGNAL, 1L);
   // The wait for each answer of the server has a limit of its own, two minutes unless it is set: a
   // server that goes quiet after the message would otherwise outlast the timeout.
-  curl_easy_setopt(c, CURLOPT_SERVER_RESPONSE_TIMEOUT, ResponseSeconds(account.timeout));
+  curl_easy_setopt(c, CURLOPT_SERVER_RESPONSE_TIMEOUT, ResponseSeconds(timeout));
   curl_easy_setopt(c, CURLOPT_ERRORBUFFER, error.data());
   CURLcode rc = curl_easy_perform(c);
   if (rc != CURLE_OK) {
     std::string why = error[0] ? error.data() : curl_easy_strerror(rc);
-    throw RuntimeError(static_cast<int>(rc), "POP3 logon failed: " + why);
+    throw RuntimeError(static_cast<int>(rc), failure + why);
   }
 }
 

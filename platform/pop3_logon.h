@@ -22,8 +22,10 @@ void Pop3Logon(const Pop3Account& account);
 // Starts libcurl once for the mail transports.
 void InitCurlForMail();
 
-// The whole seconds of a timeout, at least one, for libcurl's wait for a server's answer.
-long ResponseSeconds(std::chrono::milliseconds timeout);
+// Runs a mail transfer prepared on a libcurl handle (a CURL*): STARTTLS when the server offers it, the
+// timeout on the whole exchange and on each answer. Raises RuntimeError with libcurl's error number and
+// `failure` before its reason.
+void RunMailTransfer(void* curl, std::chrono::milliseconds timeout, const std::string& failure);
 
 // "scheme://host:port/" for a host field that may carry ":port" (or "[v6]:port").
 std::string MailServerUrl(const std::string& scheme, const std::string& host, int default_port);

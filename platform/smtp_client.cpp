@@ -82,8 +82,6 @@ void SmtpClient::Send() {
   message.date = MailDateNow();
   const std::string wire = ComposeMailMessage(message);
   Upload upload{&wire};
-  std::array<char, CURL_ERROR_SIZE> error{};
-
   const std::string url = MailServerUrl("smtp", host_, 25);
   const std::string from = Bracketed(return_address_);
   std::unique_ptr<curl_slist, SlistCloser> rcpt;
@@ -98,25 +96,12 @@ void SmtpClient::Send() {
   curl_easy_setopt(c, CURLOPT_UPLOAD, 1L);
   curl_easy_setopt(c, CURLOPT_READFUNCTION, &OnRead);
   curl_easy_setopt(c, CURLOPT_READDATA, &upload);
-  // STARTTLS whenever the server offers it; a server without it still gets the mail.
-  curl_easy_setopt(c, CURLOPT_USE_SSL, static_cast<long>(CURLUSESSL_TRY));
   if (authorization_kind_ == kLogon) {
     curl_easy_setopt(c, CURLOPT_USERNAME, user_.c_str());
     curl_easy_setopt(c, CURLOPT_PASSWORD, password_.c_str());
     curl_easy_setopt(c, CURLOPT_LOGIN_OPTIONS, "AUTH=*");
   }
-  curl_easy_setopt(c, CURLOPT_TIMEOUT_MS, static_cast<long>(timeout_.count()));
-  curl_easy_setopt(c, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(timeout_.count()));
-  curl_easy_setopt(c, CURLOPT_NOSIGNAL, 1L);
-  // The wait for each answer of the server has a limit of its own, two minutes unless it is set: a
-  // server that goes quiet after the message would otherwise outlast the timeout.
-  curl_easy_setopt(c, CURLOPT_SERVER_RESPONSE_TIMEOUT, ResponseSeconds(timeout_));
-  curl_easy_setopt(c, CURLOPT_ERRORBUFFER, error.data());
-  CURLcode rc = curl_easy_perform(c);
-  if (rc != CURLE_OK) {
-    std::string why = error[0] ? error.data() : curl_easy_strerror(rc);
-    throw RuntimeError(static_cast<int>(rc), "Mail not sent: " + why);
-  }
+  RunMailTransfer(c, timeout_, "Mail not sent: ");
 }
 
 }  // namespace lw

@@ -13,9 +13,9 @@ written down.
 import argparse
 import asyncio
 import os
-import signal
 import sys
-import time
+
+import mail_loopback
 
 
 class Pop3(asyncio.Protocol):
@@ -26,8 +26,7 @@ class Pop3(asyncio.Protocol):
         self.logged_on = False
 
     def event(self, text):
-        with open(os.path.join(self.args.dir, "events"), "a", encoding="utf-8") as f:
-            f.write(f"{time.monotonic_ns()} pop3 {text}\n")
+        mail_loopback.record_event(self.args.dir, "pop3", text)
 
     def say(self, line):
         self.transport.write(line.encode() + b"\r\n")
@@ -79,17 +78,7 @@ class Pop3(asyncio.Protocol):
 
 async def serve(args):
     os.makedirs(args.dir, exist_ok=True)
-    loop = asyncio.get_running_loop()
-    server = await loop.create_server(lambda: Pop3(args), "127.0.0.1", 0)
-    port = server.sockets[0].getsockname()[1]
-    with open(args.port_file + ".tmp", "w") as f:
-        f.write(f"{port}\n")
-    os.replace(args.port_file + ".tmp", args.port_file)
-    stop = asyncio.Event()
-    for sig in (signal.SIGTERM, signal.SIGINT):
-        loop.add_signal_handler(sig, stop.set)
-    await stop.wait()
-    server.close()
+    await mail_loopback.serve(lambda: Pop3(args), args.port_file)
 
 
 def main():

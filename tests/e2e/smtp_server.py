@@ -23,12 +23,12 @@ import argparse
 import asyncio
 import logging
 import os
-import signal
 import sys
-import time
 import warnings
 
 from aiosmtpd.smtp import SMTP, AuthResult, LoginPassword
+
+import mail_loopback
 
 
 class Recorder:
@@ -38,8 +38,7 @@ class Recorder:
         os.makedirs(args.dir, exist_ok=True)
 
     def event(self, text):
-        with open(os.path.join(self.args.dir, "events"), "a", encoding="utf-8") as f:
-            f.write(f"{time.monotonic_ns()} smtp {text}\n")
+        mail_loopback.record_event(self.args.dir, "smtp", text)
 
     def authenticate(self, server, session, envelope, mechanism, auth_data):
         if not isinstance(auth_data, LoginPassword) or self.args.auth is None:
@@ -105,7 +104,6 @@ class Misbehaving(asyncio.Protocol):
 
 async def serve(args):
     recorder = Recorder(args)
-    loop = asyncio.get_running_loop()
 
     def factory():
         if args.stall == "greeting" or args.drop == "greeting":
@@ -116,16 +114,7 @@ async def serve(args):
                            auth_required=args.auth_required)
         return RecordingSMTP(recorder, **options)
 
-    server = await loop.create_server(factory, "127.0.0.1", 0)
-    port = server.sockets[0].getsockname()[1]
-    with open(args.port_file + ".tmp", "w") as f:
-        f.write(f"{port}\n")
-    os.replace(args.port_file + ".tmp", args.port_file)
-    stop = asyncio.Event()
-    for sig in (signal.SIGTERM, signal.SIGINT):
-        loop.add_signal_handler(sig, stop.set)
-    await stop.wait()
-    server.close()
+    await mail_loopback.serve(factory, args.port_file)
 
 
 def main():
