@@ -6,13 +6,12 @@
 #include "core/primitives/convert.h"
 #include "core/primitives/encoding.h"
 #include "core/primitives/text.h"
+#include "platform/mail_program.h"
+#include "platform/smtp_client.h"
 #include "screen/main/main_form.h"
 
 namespace lw {
 namespace {
-
-constexpr int kDetailsPage = 1;
-constexpr int kEmailPage = 6;
 
 struct StatusBoxInfo {
   const char16_t* name;
@@ -63,6 +62,10 @@ Text AfterSale::PartnerOnScreen() const {
   return Seller() ? Box(u"email_pnl", 0).text() : Box(u"seller_email_txt").text();
 }
 
+Text AfterSale::PartnerHead(const Text& email) const {
+  return u" From " + Text(TableName()) + u" where " + PartnerField() + u" = " + Quoted(email);
+}
+
 void AfterSale::SetQuietly(Control& box, int value) {
   auto handler = std::move(box.OnClick);
   box.OnClick = nullptr;
@@ -98,14 +101,14 @@ Recordset* AfterSale::SetupRow() const {
   return r.Eof() || r.Bof() ? nullptr : &r;
 }
 
-Text AfterSale::Number(const Variant& v) const {
+Text AfterSale::TextOf(const Variant& v) const {
   return v.IsNull() ? Text() : CStr(v, program_->regional);
 }
 
 Text AfterSale::SetupText(const char16_t* field) const {
   Recordset* r = SetupRow();
   if (!r) throw RuntimeError(err::kNoCurrentRecord, "No current record.");
-  return Number(r->Fields(field));
+  return TextOf(r->Fields(field));
 }
 
 bool AfterSale::SetupYes(const char16_t* field) const {
@@ -136,7 +139,7 @@ LetterSetup AfterSale::ReadLetterSetup() const {
   s.referralenabled = SetupYes(u"referralenabled");
   MainForm& f = main();
   Recordset* misc = f.Misc.HasRecordset() ? &f.Misc.recordset() : program_->startup.misc.get();
-  if (misc && !misc->Eof() && !misc->Bof()) s.refurl = Number(misc->Fields(u"refurl"));
+  if (misc && !misc->Eof() && !misc->Bof()) s.refurl = TextOf(misc->Fields(u"refurl"));
   return s;
 }
 
@@ -199,6 +202,12 @@ void AfterSale::BuildControls() {
   }
   f.Get(u"ctToolBar4").SetContainer(sub[0]);
   ShowOnPages(email_page, {kEmailPage});
+  // The Email page opens on the letter, unless it was asked for the bulk list.
+  auto entered = std::move(f.SSTab1.OnTabClick);
+  f.SSTab1.OnTabClick = [this, entered, &mail_tabs](int left) {
+    if (main().SSTab1.tab() == kEmailPage && !program_->main_screen.bulk_view) mail_tabs.SetTab(0);
+    if (entered) entered(left);
+  };
 }
 
 void AfterSale::ShowOnPages(Control& frame, std::initializer_list<int> pages) {
@@ -222,12 +231,14 @@ void AfterSale::label_status_boxes() {
   Box(kSelectors[2]).SetCaption(seller ? u"Goods Sent Letter" : u"Goods Received Letter");
 }
 
+void AfterSale::AddRoutine(const std::shared_ptr<AfterSale>& self, const char* name,
+                           void (AfterSale::*routine)()) {
+  self->program_->routines.Register(name, [self, routine] { ((*self).*routine)(); });
+}
+
 void AfterSale::RegisterRoutines(const std::shared_ptr<AfterSale>& self) {
   MainForm& f = main();
-  Routines& r = program_->routines;
-  auto add = [&r, self](const char* name, void (AfterSale::*routine)()) {
-    r.Register(name, [self, routine] { ((*self).*routine)(); });
-  };
+  auto add = [&self](const char* name, void (AfterSale::*routine)()) { AddRoutine(self, name, routine); };
   add("which_letter_to_display", &AfterSale::which_letter_to_display);
   add("which_letter_icon_status_to_display", &AfterSale::which_letter_icon_status_to_display);
   add("label_status_boxes", &AfterSale::label_status_boxes);
@@ -281,6 +292,8 @@ std::shared_ptr<AfterSale> RegisterAfterSale(Program& program) {
   program.subsystems.push_back(screen);
   screen->BuildControls();
   screen->RegisterRoutines(screen);
+  screen->BuildMailControls();
+  screen->RegisterMailRoutines(screen);
   return screen;
 }
 

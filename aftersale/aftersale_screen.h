@@ -4,6 +4,7 @@
 // keeps the letter in hand between the routines, which all run on the screen's one thread.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
@@ -19,6 +20,20 @@ class MainForm;
 class DataControl;
 class Control;
 class Recordset;
+class SmtpClient;
+class MailProgram;
+
+// The pages of SSTab1 the after-sale side works on.
+inline constexpr int kDetailsPage = 1;
+inline constexpr int kContactPage = 2;
+inline constexpr int kEmailPage = 6;
+inline constexpr int kReportsPage = 7;
+
+// A yes/no field: any value that is not 0 is yes.
+inline bool IsYes(const Variant& v) {
+  std::optional<double> n = NumberOf(v);
+  return n && *n != 0;
+}
 
 // The letter in hand: which status letter it is, the auctions combined into it, to whom it goes and
 // what the log will say once it is mailed.
@@ -42,6 +57,12 @@ struct LetterState {
   void ClearLetterSwitches() {
     letter_winning_pending = letter_payment_pending = letter_goods_pending = false;
   }
+  // Auction `index` of the letter; 9 ("Subscript out of range") past the end.
+  const Text& Item(int index) const {
+    if (index < 0 || static_cast<size_t>(index) >= letter_items.size())
+      throw RuntimeError(9, "Subscript out of range");
+    return letter_items[static_cast<size_t>(index)];
+  }
 };
 
 // The seven results of how_many_auctions.
@@ -62,6 +83,8 @@ class AfterSale {
   MainForm& main() const;
 
   LetterState letter;
+  bool mapi_session_open = false;
+  bool feedback_combo_loaded = false;
 
   // Transaction status.
   void which_letter_to_display();
@@ -86,10 +109,43 @@ class AfterSale {
   void letter_selector_click(Control& box);
   void other_letters_btn(int index);
 
+  // Mail transports.
+  void send_now();
+  void send_pop_mail();
+  void send_mapi_mail();
+
+  // The bulk queue and printing.
+  void set_bulk_mail();
+  void email_tab_click();
+  void view_bulkmail();
+  void show_bulk_mail_page();
+  void refresh_bulk_list();
+  void send_bulk_now();
+  void send_bulk_pop_mail();
+  void send_bulk_mapi_mail();
+  void update_status_log_bulk();
+  void delete_all_bulk_mail();
+  void bulk_row_deleted();
+  void bulk_row_changed();
+  void print_email();
+
+  // Feedback.
+  void send_feedback();
+  void save_feedback_comment();
+  void populate_feedback_combo();
+  void populate_feedback_grid();
+  void feedback_comment_change();
+
  private:
   friend std::shared_ptr<AfterSale> RegisterAfterSale(Program& program);
   void BuildControls();
   void RegisterRoutines(const std::shared_ptr<AfterSale>& self);
+  // Hangs a routine of this screen on the program's registry by name.
+  static void AddRoutine(const std::shared_ptr<AfterSale>& self, const char* name,
+                         void (AfterSale::*routine)());
+  // The bulk page, the feedback of the Contact Details page and the mail commands.
+  void BuildMailControls();
+  void RegisterMailRoutines(const std::shared_ptr<AfterSale>& self);
   // Shows `frame` while one of `pages` of SSTab1 is the one in use.
   void ShowOnPages(Control& frame, std::initializer_list<int> pages);
 
@@ -102,6 +158,11 @@ class AfterSale {
   // The partner's address as the screen shows it: email_pnl on the seller side, seller_email_txt on
   // the bidder side.
   Text PartnerOnScreen() const;
+  // " From seller where email = '{email}'" (bidder side: " From bidder where Seller_email = ..."), the
+  // head of every statement about one partner's auctions.
+  Text PartnerHead(const Text& email) const;
+  // Counts the letter's auctions with the statement head, sizes its list, and opens them on the first.
+  std::unique_ptr<Recordset> OpenLetterRows(const Text& head);
   Control& Box(const char16_t* name, int index = -1) const;
   bool Ticked(const char16_t* name, int index) const;
   // Ticks or unticks a box from code, without its click: showing a state is not the user choosing it.
@@ -118,7 +179,8 @@ class AfterSale {
   LetterSetup ReadLetterSetup() const;
   Text ShortDateToday() const;
   Text NowText() const;
-  Text Number(const Variant& v) const;
+  // A field as text under the locale; Null gives the empty text.
+  Text TextOf(const Variant& v) const;
 
   // Writes a status field of the side's current record from the payment box, then the record's own
   // bound edits over it, and saves.
@@ -132,7 +194,25 @@ class AfterSale {
   // Forgets the letter in hand: its boxes, its auctions, its partner, its note and its switch.
   void DropLetter();
 
+  // Sending.
+  void CommonStart();
+  void CommonEnd();
+  SmtpClient& Mail1();
+  void ConnectByMailType(SmtpClient& mail);
+  std::chrono::milliseconds NetworkTimeout() const;
+  // One letter out by SMTP or through the user's mail program, with the status texts of each.
+  void MailBySmtp(const Text& to, const Text& subject, bool copy_to_self, const Text& body);
+  void MailByProgram(const Text& to, const Text& subject, bool copy_to_self, const Text& body);
+  void SendBulk(bool through_mail_program);
+
   Program* program_;
+  std::unique_ptr<SmtpClient> mail1_;
+  std::unique_ptr<MailProgram> mail_program_;
+  // The subject and address of TDBGrid1's current row, kept for the delete of its status rows.
+  Text bulk_row_subject_, bulk_row_to_;
+  // The Bulk row being sent, for update_status_log_bulk.
+  bool bulk_copy_to_comments_ = false;
+  Text bulk_text_;
 };
 
 // Creates the after-sale screen, keeps it in the program and registers its routines and controls.

@@ -1,6 +1,6 @@
-// The status machine on a real store under the main screen: the log line written to each combined
-// auction with the group moved once, the partner's totals with Null sums, and Copy Address with its
-// question and its count.
+// The after-sale screen on a real store under the main form: the log line written to each combined
+// auction with the group moved once, the partner's totals with Null sums, Copy Address with its
+// question and its count, and the printed letter handed to the desktop's viewer.
 #include <gtest/gtest.h>
 
 #include "aftersale/aftersale_screen.h"
@@ -14,7 +14,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class StatusTest : public ::testing::Test {
+// The user, who also notes what the program asks the desktop to open.
+struct DesktopUi : testing::RecordingUi {
+  std::vector<Text> opened;
+  void OpenAddress(const Text& address) override { opened.push_back(address); }
+};
+
+class AfterSaleScreen : public ::testing::Test {
  protected:
   void SetUp() override {
     dir_ = testing::FreshTestHome("lw_aftersale_",
@@ -62,14 +68,14 @@ class StatusTest : public ::testing::Test {
   }
 
   fs::path dir_;
-  testing::RecordingUi ui_;
+  DesktopUi ui_;
   EventQueue queue_;
   std::unique_ptr<Settings> settings_;
   std::unique_ptr<Program> program_;
   std::shared_ptr<AfterSale> after_;
 };
 
-TEST_F(StatusTest, TheWinningLetterTotalsTheGroupAndLeavesTheViewAsItWas) {
+TEST_F(AfterSaleScreen, TheWinningLetterTotalsTheGroupAndLeavesTheViewAsItWas) {
   StandOn(u"5002");
   after_->letter.letter_winning_pending = true;
   AuctionTotals t = after_->how_many_auctions();
@@ -97,7 +103,7 @@ TEST_F(StatusTest, TheWinningLetterTotalsTheGroupAndLeavesTheViewAsItWas) {
   EXPECT_EQ(after_->letter.letter_items, (std::vector<Text>{u"5001", u"5002"}));
 }
 
-TEST_F(StatusTest, TheLogLineGoesOnTopOfEachCombinedAuctionAndTheGroupMovesOnce) {
+TEST_F(AfterSaleScreen, TheLogLineGoesOnTopOfEachCombinedAuctionAndTheGroupMovesOnce) {
   StandOn(u"5001");
   after_->which_letter_to_display();
   ASSERT_EQ(after_->letter.letter_item_count, 2);
@@ -131,7 +137,7 @@ TEST_F(StatusTest, TheLogLineGoesOnTopOfEachCombinedAuctionAndTheGroupMovesOnce)
   EXPECT_EQ(Field(u"Select status_log From seller where Item = '5004'"), Variant(u"newer\r\nold line"));
 }
 
-TEST_F(StatusTest, CopyAddressAsksFirstAndCountsTheRowsItChanged) {
+TEST_F(AfterSaleScreen, CopyAddressAsksFirstAndCountsTheRowsItChanged) {
   StandOn(u"5001");
   main().Get(u"hi_bidder_name_txt", 0).SetText(u"Bo Buyer");
   main().Get(u"hi_bidder_address_txt", 0).SetText(u"1 Elm Road");
@@ -154,6 +160,22 @@ TEST_F(StatusTest, CopyAddressAsksFirstAndCountsTheRowsItChanged) {
   EXPECT_EQ(ui_.boxes[1].text,
             u"The email address is blank for this auction.\nEnter a valid email address and try again");
   EXPECT_EQ(main().status(), u"No Name and Addresses Updated");
+}
+
+TEST_F(AfterSaleScreen, APrintedLetterReplacesTheUsersLastOneAndGoesToTheViewerAsAPdf) {
+  for (const char16_t* subject : {u"First letter", u"Second letter"}) {
+    main().Get(u"emailletter_txt", 1).SetText(u"b1@x.example");
+    main().Get(u"emailletter_txt", 3).SetText(subject);
+    main().Get(u"emailletter_txt", 0).SetText(u"Dear buyer");
+    after_->print_email();
+  }
+  EXPECT_EQ(Field(u"Select count(*) From bulk where printletter = true"), Variant(1.0));
+  EXPECT_EQ(Field(u"Select emailtext_subject From bulk where printletter = true"), Variant(u"Second letter"));
+  EXPECT_EQ(main().SSTab1.tab(), 7);
+  fs::path pdf = program_->DbFile(u"\\emailreport.pdf");
+  ASSERT_TRUE(fs::exists(pdf));
+  ASSERT_EQ(ui_.opened.size(), 2u);
+  EXPECT_EQ(ui_.opened[1], u"file://" + pdf.u16string());
 }
 
 }  // namespace

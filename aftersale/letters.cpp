@@ -10,16 +10,6 @@
 #include "screen/main/main_form.h"
 
 namespace lw {
-namespace {
-
-constexpr int kEmailPage = 6;
-
-bool Truthy(const Variant& v) {
-  std::optional<double> n = NumberOf(v);
-  return n && *n != 0;
-}
-
-}  // namespace
 
 void AfterSale::DropLetter() {
   letter.ClearLetterSwitches();
@@ -69,8 +59,7 @@ void AfterSale::ComposeStatusLetter(LetterKind kind) {
   letter.letter_item_count = totals.auctions_won;
   letter.letter_items.assign(static_cast<size_t>(std::max<int16_t>(0, totals.auctions_won)), Text());
   DataControl& data = Side();
-  data.RecordSource = u"Select * From " + Text(TableName()) + u" where " + PartnerField() + u" = " +
-                      Quoted(PartnerOnScreen()) + ViewCondition(kind, seller);
+  data.RecordSource = u"Select *" + PartnerHead(PartnerOnScreen()) + ViewCondition(kind, seller);
   data.Refresh();
   Recordset& rows = data.recordset();
   rows.MoveFirst();
@@ -88,19 +77,19 @@ void AfterSale::ComposeFromRecords(LetterKind kind, Recordset& rows, const Aucti
   const bool seller = Seller();
   const Regional& regional = program_->regional;
   Variant partner = rows.Fields(PartnerField());
-  letter.letter_partner_email = Number(partner);
-  if (letter.letter_items.empty()) throw RuntimeError(9, "Subscript out of range");
-  letter.letter_items[0] = Number(rows.Fields(u"item"));
+  letter.letter_partner_email = TextOf(partner);
+  letter.Item(0);  // a letter of no auctions ends here
+  letter.letter_items[0] = TextOf(rows.Fields(u"item"));
   RequireNotNull(partner);
   SetLetterBox(1, letter.letter_partner_email);
 
   LetterFacts facts;
   facts.today = program_->clock.Today();
-  if (seller) facts.high_bidder_id = Number(rows.Fields(u"id"));
+  if (seller) facts.high_bidder_id = TextOf(rows.Fields(u"id"));
   std::vector<LetterAuction> auctions;
   for (size_t i = 0; i < letter.letter_items.size(); ++i) {
-    LetterAuction a{Number(rows.Fields(u"item")), Number(rows.Fields(u"title")),
-                    Number(rows.Fields(u"quantity")), rows.Fields(u"price")};
+    LetterAuction a{TextOf(rows.Fields(u"item")), TextOf(rows.Fields(u"title")),
+                    TextOf(rows.Fields(u"quantity")), rows.Fields(u"price")};
     letter.letter_items[i] = a.item;
     auctions.push_back(std::move(a));
     rows.MoveNext();
@@ -108,7 +97,7 @@ void AfterSale::ComposeFromRecords(LetterKind kind, Recordset& rows, const Aucti
   // Past the last auction the cursor steps back one: the last auction's mark decides the tax lines.
   if (seller && kind == LetterKind::kWinning) {
     rows.MovePrevious();
-    facts.taxable = Truthy(rows.Fields(u"taxable"));
+    facts.taxable = IsYes(rows.Fields(u"taxable"));
   }
   SetLetterBox(3, LetterSubject(kind, seller, auctions));
   LetterTotals t{totals.total_price,  totals.total_shipping,  totals.total_insurance,
@@ -120,7 +109,7 @@ void AfterSale::ComposeFromRecords(LetterKind kind, Recordset& rows, const Aucti
 void AfterSale::send_feedback_request_letter() {
   DataControl& data = Side();
   const bool seller = Seller();
-  if (!Truthy(data.recordset().Fields(u"trans_comp"))) {
+  if (!IsYes(data.recordset().Fields(u"trans_comp"))) {
     main().ui().MsgBox(u"Incomplete Transaction",
                        u"The tranaction must be complete before you can request a feedback letter",
                        MsgButtons::OK, MsgIcon::Critical);
@@ -132,8 +121,13 @@ void AfterSale::send_feedback_request_letter() {
   Text day = Format(Variant(CDate(Variant(Box(u"status_date_txt", SideIndex()).text()), regional)),
                     u"mm/dd/yyyy", regional);
   // The group of a feedback request is the partner's auctions completed on the same day.
-  const Text head = u" From " + Text(TableName()) + u" where " + PartnerField() + u" = " +
-                    Quoted(PartnerOnScreen()) + u" and Trans_comp = yes and Status_date = #" + day + u"#";
+  auto rows = OpenLetterRows(PartnerHead(PartnerOnScreen()) + u" and Trans_comp = yes and Status_date = #" +
+                             day + u"#");
+  ComposeFromRecords(LetterKind::kFeedback, *rows, AuctionTotals{});
+  letter.letter_status_note = LetterStatusNote(LetterKind::kFeedback, seller);
+}
+
+std::unique_ptr<Recordset> AfterSale::OpenLetterRows(const Text& head) {
   Database& db = *program_->startup.db;
   Variant count =
       db.OpenRecordset(u"Select Count(*) AS sql_auctions_won" + head)->Fields(u"sql_auctions_won");
@@ -141,30 +135,20 @@ void AfterSale::send_feedback_request_letter() {
   letter.letter_items.assign(static_cast<size_t>(std::max<int16_t>(0, letter.letter_item_count)), Text());
   auto rows = db.OpenRecordset(u"Select *" + head);
   rows->MoveFirst();
-  ComposeFromRecords(LetterKind::kFeedback, *rows, AuctionTotals{});
-  letter.letter_status_note = LetterStatusNote(LetterKind::kFeedback, seller);
+  return rows;
 }
 
 void AfterSale::send_blank_letter() {
   const bool seller = Seller();
   if (!seller && BidderContactMissing()) return;
-  const Text email = PartnerOnScreen();
   const Text item = Box(u"itemno_txt", SideIndex()).text();
-  const Text head = u" From " + Text(TableName()) + u" where " + PartnerField() + u" = " + Quoted(email) +
-                    u" and item = " + Quoted(item);
-  Database& db = *program_->startup.db;
-  Variant count =
-      db.OpenRecordset(u"Select Count(*) AS sql_auctions_won" + head)->Fields(u"sql_auctions_won");
-  letter.letter_item_count = static_cast<int16_t>(NumberOf(count).value_or(0));
-  letter.letter_items.assign(static_cast<size_t>(std::max<int16_t>(0, letter.letter_item_count)), Text());
-  auto rows = db.OpenRecordset(u"Select *" + head);
-  rows->MoveFirst();
-  const Text title = Number(rows->Fields(u"title"));
-  const Text comments = Number(rows->Fields(u"comments"));
+  auto rows = OpenLetterRows(PartnerHead(PartnerOnScreen()) + u" and item = " + Quoted(item));
+  const Text title = TextOf(rows->Fields(u"title"));
+  const Text comments = TextOf(rows->Fields(u"comments"));
   Variant partner = rows->Fields(PartnerField());
-  letter.letter_partner_email = Number(partner);
+  letter.letter_partner_email = TextOf(partner);
   for (Text& entry : letter.letter_items) {
-    entry = Number(rows->Fields(u"item"));
+    entry = TextOf(rows->Fields(u"item"));
     rows->MoveNext();
   }
   RequireNotNull(partner);
@@ -208,16 +192,16 @@ void AfterSale::check_for_valid_email() {
     ui.MsgBox(title, text, MsgButtons::OK, MsgIcon::Critical);
     ResetLetter();
   };
-  if (!Truthy(r.Fields(u"Completed")))
+  if (!IsYes(r.Fields(u"Completed")))
     return refuse(u"Unable to Mail", u"You can't send mail to unfinished auctions.");
   if (Seller()) {
-    Text email = Number(r.Fields(u"email"));
-    Text id = Number(r.Fields(u"Id"));
+    Text email = TextOf(r.Fields(u"email"));
+    Text id = TextOf(r.Fields(u"Id"));
     if (email == u"No Bids")
       return refuse(u"Unable to Mail", u"You can't send mail to an auctions with no bids.");
     if (Like(id, u"*Dutch bid*") || Like(id, u"*Dutch Bid*"))
       return refuse(u"Unable to Mail", u"You can't send mail without importing Dutch Bidders first.");
-    if (!Truthy(r.Fields(u"reserve_met"))) {
+    if (!IsYes(r.Fields(u"reserve_met"))) {
       // The one refusal that leaves the letter addressed.
       refuse(u"Warning", u"Note that the reserve was not met on this auction");
       SetLetterBox(1, email);

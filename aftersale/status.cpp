@@ -36,13 +36,6 @@ int16_t CountOf(Database& db, const Text& sql) {
   return n ? static_cast<int16_t>(*n) : 0;
 }
 
-// A sum as its result takes it: Null stays Null unless the caller asks for 0.
-Variant SumOf(Database& db, const Text& sql, TextView field, bool null_as_zero) {
-  Variant v = FirstField(db, sql, field);
-  if (v.IsNull() && null_as_zero) return Variant(Currency());
-  return v;
-}
-
 Text Count(int n) {
   return FromUtf8(std::to_string(n));
 }
@@ -101,7 +94,7 @@ void AfterSale::response_chk_click() {
       if (Seller()) {
         f.seller.RecordSource = letter.saved_record_source;
         f.seller.Refresh();
-        f.seller.FindFirst(u"Item = " + Quoted(Number(item)));
+        f.seller.FindFirst(u"Item = " + Quoted(TextOf(item)));
       }
     }
     which_letter_icon_status_to_display();
@@ -168,7 +161,7 @@ void AfterSale::which_letter_to_display() {
         ResumingOn91And94([&] {
           Variant partner = Side().recordset().Fields(PartnerField());
           RequireNotNull(partner);
-          SetLetterBox(1, Number(partner));
+          SetLetterBox(1, TextOf(partner));
         });
         break;
       case SaleState::kNone:
@@ -237,78 +230,72 @@ AuctionTotals AfterSale::how_many_auctions() {
   MainForm& f = main();
   Database& db = *program_->startup.db;
   AuctionTotals t;
-  const Text email = PartnerOnScreen();
-  const Text who = Quoted(email);
   LetterState& s = letter;
+  DataControl& side = Side();
+  s.saved_record_source = side.RecordSource;
+  const Text email = PartnerOnScreen();
+  const Text head = PartnerHead(email);
+  auto count = [&](const char16_t* condition) {
+    t.auctions_won = CountOf(db, u"Select Count(*) AS sql_auctions_won" + head + condition);
+  };
+  auto view = [&](const char16_t* condition) {
+    side.RecordSource = u"Select *" + head + condition;
+    side.Refresh();
+  };
+  auto sum = [&](const char16_t* what, const char16_t* condition) {
+    auto r = db.OpenRecordset(Text(u"Select ") + what + head + condition);
+    return r->Fields(r->FieldNames().front());
+  };
   if (Seller()) {
-    s.saved_record_source = f.seller.RecordSource;
-    const Text head = u" From seller where email = " + who;
-    auto view = [&](const char16_t* condition) {
-      f.seller.RecordSource = u"Select *" + head + condition;
-      f.seller.Refresh();
-    };
     if (s.letter_winning_pending) {
-      t.auctions_won = CountOf(db, u"Select Count(*) AS sql_auctions_won" + head + kWinningCondition);
+      count(kWinningCondition);
       auto sums = db.OpenRecordset(
           u"Select Sum(Price) AS sql_totalprice, Sum(price_tax) AS sql_auction_tax_price, Sum(Ship_cost) AS "
           u"sql_total_shipping_price, Sum(ship_tax) AS sql_tax_on_shipping_price, Sum(insure_cost) AS "
           u"sql_total_insure_price, Sum(insure_tax) AS sql_tax_on_insure_price" +
           head + kWinningCondition);
-      auto sum = [&](TextView field) {
+      // On this side a sum over nothing but Nulls counts as 0.
+      auto total = [&](TextView field) {
         Variant v = sums->Fields(field);
         return v.IsNull() ? Variant(Currency()) : v;
       };
-      t.total_price = sum(u"sql_totalprice");
-      t.tax_on_price = sum(u"sql_auction_tax_price");
-      t.total_shipping = sum(u"sql_total_shipping_price");
-      t.tax_on_shipping = sum(u"sql_tax_on_shipping_price");
-      t.total_insurance = sum(u"sql_total_insure_price");
-      std::optional<double> insurance_tax = NumberOf(sum(u"sql_tax_on_insure_price"));
-      t.tax_on_insurance = static_cast<float>(insurance_tax.value_or(0));
+      t.total_price = total(u"sql_totalprice");
+      t.tax_on_price = total(u"sql_auction_tax_price");
+      t.total_shipping = total(u"sql_total_shipping_price");
+      t.tax_on_shipping = total(u"sql_tax_on_shipping_price");
+      t.total_insurance = total(u"sql_total_insure_price");
+      t.tax_on_insurance = static_cast<float>(NumberOf(total(u"sql_tax_on_insure_price")).value_or(0));
       view(kWinningCondition);
     }
     if (s.response_change_pending) {
-      t.auctions_won = CountOf(db, u"Select Count(*) AS sql_auctions_won" + head + kResponseCountCondition);
+      count(kResponseCountCondition);
       view(kPaymentCondition);
     }
     if (s.letter_payment_pending) {
-      t.auctions_won = CountOf(db, u"Select Count(*) AS sql_auctions_won" + head + kPaymentCondition);
+      count(kPaymentCondition);
       view(kPaymentCondition);
     }
     if (s.letter_goods_pending) {
-      t.auctions_won = CountOf(db, u"Select Count(*) AS sql_auctions_won" + head + kSellerGoodsCondition);
+      count(kSellerGoodsCondition);
       view(kSellerGoodsCondition);
     }
   } else {
-    s.saved_record_source = f.Bidder.RecordSource;
-    const Text head = u" From bidder where Seller_email = " + who;
-    auto view = [&](const char16_t* condition) {
-      f.Bidder.RecordSource = u"Select *" + head + condition;
-      f.Bidder.Refresh();
-    };
+    // The bidder side keeps a sum of Nulls as Null: the letter shows it as an empty amount.
     if (s.letter_winning_pending) {
-      t.auctions_won = CountOf(db, u"Select Count(*) AS sql_auctions_won" + head + kWinningCondition);
-      t.total_price = SumOf(db, u"Select Sum(Price) AS sql_totalprice" + head + kWinningCondition,
-                            u"sql_totalprice", false);
-      t.total_shipping =
-          SumOf(db, u"Select Sum(Ship_cost) AS sql_total_shipping_price" + head + kWinningCondition,
-                u"sql_total_shipping_price", false);
+      count(kWinningCondition);
+      t.total_price = sum(u"Sum(Price) AS sql_totalprice", kWinningCondition);
+      t.total_shipping = sum(u"Sum(Ship_cost) AS sql_total_shipping_price", kWinningCondition);
       view(kWinningCondition);
     }
     if (s.letter_payment_pending) {
-      t.auctions_won = CountOf(db, u"Select Count(*) AS sql_auctions_won" + head + kPaymentCondition);
+      count(kPaymentCondition);
       // The payment letter's one total includes the shipping.
-      Variant price = SumOf(db, u"Select Sum(Price) AS sql_totalprice" + head + kPaymentCondition,
-                            u"sql_totalprice", false);
-      Variant shipping =
-          SumOf(db, u"Select Sum(Ship_cost) AS sql_total_shipping_price" + head + kPaymentCondition,
-                u"sql_total_shipping_price", false);
-      t.total_price = AddMoney(price, shipping);
+      t.total_price = AddMoney(sum(u"Sum(Price) AS sql_totalprice", kPaymentCondition),
+                               sum(u"Sum(Ship_cost) AS sql_total_shipping_price", kPaymentCondition));
       view(kPaymentCondition);
     }
     if (s.letter_goods_pending) {
-      t.auctions_won =
-          CountOf(db, u"Select Count(*) AS sql_auctions_won" + head + kBidderGoodsCountCondition);
+      count(kBidderGoodsCountCondition);
       view(kGoodsCondition);
     }
   }
@@ -322,7 +309,7 @@ AuctionTotals AfterSale::how_many_auctions() {
                                 MsgButtons::YesNo, MsgIcon::Question);
     if (a == MsgAnswer::Yes) {
       db.Execute(u"Update Seller set response = true, status_date = " + Quoted(ShortDateToday()) +
-                 u" where email = " + who +
+                 u" where email = " + Quoted(email) +
                  u" and Trans_comp = no and completed = yes and payment = no and contact = yes");
     }
   }
@@ -339,18 +326,18 @@ AuctionTotals AfterSale::how_many_auctions() {
 
 void AfterSale::update_status_log(int index) {
   DataControl& data = Side();
-  const Text& item = letter.letter_items.at(static_cast<size_t>(index));
+  const Text& item = letter.Item(index);
   // A find that finds nothing leaves the current record as the one written.
   data.FindFirst(u"Item = " + Quoted(item) + u"and " + PartnerField() + u" = " +
                  Quoted(letter.letter_partner_email));
   Recordset& r = data.recordset();
   r.Edit();
-  r.SetField(u"Status_log", Variant(letter.letter_status_note + kCrlf + Number(r.Fields(u"status_log"))));
+  r.SetField(u"Status_log", Variant(letter.letter_status_note + kCrlf + TextOf(r.Fields(u"status_log"))));
   if (Ticked(u"check1", 1)) {
     r.SetField(u"Comments",
                Variant(u"------Copied to Comments " + NowText() + u"------" + kCrlf + kCrlf +
                        Box(u"emailletter_txt", 0).text() + kCrlf + u"------End copy to Comments------" +
-                       kCrlf + kCrlf + Number(r.Fields(u"Comments"))));
+                       kCrlf + kCrlf + TextOf(r.Fields(u"Comments"))));
   }
   r.Update();
   MoveGroupStatus();
