@@ -4,6 +4,8 @@
 
 #include <system_error>
 
+#include "accounting/charges_screen.h"
+#include "accounting/fees_screen.h"
 #include "aftersale/aftersale_screen.h"
 #include "core/store/store.h"
 #include "import/import_screen.h"
@@ -57,6 +59,8 @@ void Assembly::Exit() {
 void RegisterSubsystems(Program& program) {
   // Each subsystem above the screen adds its Register...(program) call here.
   RegisterImport(program);
+  RegisterCharges(program);
+  RegisterFees(program);
   RegisterAfterSale(program);
 }
 

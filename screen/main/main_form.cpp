@@ -205,7 +205,7 @@ void MainForm::BuildControls() {
   // A column the user widens or narrows keeps its width for the next start.
   for (auto [grid, section] :
        {std::pair{&seller_grid, u"Sellergrid"}, std::pair{&buyer_grid, u"Buyergrid"}}) {
-    grid->OnColResize = [this, grid, section](int col) {
+    grid->OnColResize = [this, grid = grid, section = section](int col) {
       program_->settings.SaveSetting(kAppKey, section, FromUtf8(std::to_string(col)),
                                      FromUtf8(std::to_string(grid->column(col).width)));
     };
