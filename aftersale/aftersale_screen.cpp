@@ -273,10 +273,7 @@ void AfterSale::RegisterRoutines(const std::shared_ptr<AfterSale>& self) {
     if (!reserve.loading()) self->Box(u"status_date_txt", 0).SetText(self->ShortDateToday());
   };
 
-  for (const char16_t* name : kSelectors) {
-    Control& box = Box(name);
-    box.OnClick = [self, &box] { self->letter_selector_click(box); };
-  }
+  for (const char16_t* name : kSelectors) Box(name).OnClick = [self] { self->letter_selector_click(); };
   for (int i = 0; i < 2; ++i)
     Box(u"other_letters_btn", i).OnClick = [self, i] { self->other_letters_btn(i); };
 

@@ -93,7 +93,7 @@ class AfterSale {
   void update_status_log(int index);
   void update_status_log_bulk_status_change_only();
   void copy_address_btn();
-  // The click of a status box: the field it writes, whether it is the response box.
+  // The click of the ended, contact or payment box, by the field it writes.
   void status_box_click(const char16_t* field);
   void response_chk_click();
   void trans_comp_chk_click(int index);
@@ -106,7 +106,7 @@ class AfterSale {
   void send_feedback_request_letter();
   void send_blank_letter();
   void check_for_valid_email();
-  void letter_selector_click(Control& box);
+  void letter_selector_click();
   void other_letters_btn(int index);
 
   // Mail transports.

@@ -5,8 +5,6 @@
 #include "core/primitives/convert.h"
 #include "core/primitives/encoding.h"
 #include "core/primitives/text.h"
-#include "platform/smtp_client.h"
-#include "screen/grid.h"
 #include "screen/main/main_form.h"
 
 namespace lw {

@@ -1,7 +1,7 @@
 // The letters of the Email page: the three status letters combined over the partner's auctions at the
 // same status, the feedback request over the auctions completed on the same day, the blank letter, and
 // the checks a letter must pass before the page opens for it.
-#include <stdexcept>
+#include <algorithm>
 
 #include "aftersale/aftersale_screen.h"
 #include "aftersale/status_conditions.h"
@@ -64,7 +64,7 @@ void AfterSale::ComposeStatusLetter(LetterKind kind) {
   Recordset& rows = data.recordset();
   rows.MoveFirst();
   ComposeFromRecords(kind, rows, totals);
-  // The view stands where it stood before the letter narrowed it.
+  // The view the letter narrowed comes back, standing on the letter's first auction.
   const Text kept = letter.letter_items.front();
   data.RecordSource = letter.saved_record_source;
   data.Refresh();
@@ -216,7 +216,7 @@ void AfterSale::check_for_valid_email() {
     return refuse(u"Unable to mail", u"You cannot email if you are not the high bidder.");
 }
 
-void AfterSale::letter_selector_click(Control&) {
+void AfterSale::letter_selector_click() {
   letter.email_checks_passed = true;
   try {
     check_for_valid_email();

@@ -26,12 +26,8 @@ SaleState StateOf(bool ended, bool contact, bool response, bool payment, bool do
   return SaleState::kNone;
 }
 
-Variant FirstField(Database& db, const Text& sql, TextView field) {
-  return db.OpenRecordset(sql)->Fields(field);
-}
-
 int16_t CountOf(Database& db, const Text& sql) {
-  Variant v = FirstField(db, sql, u"sql_auctions_won");
+  Variant v = db.OpenRecordset(sql)->Fields(u"sql_auctions_won");
   std::optional<double> n = NumberOf(v);
   return n ? static_cast<int16_t>(*n) : 0;
 }
