@@ -194,7 +194,8 @@ class AfterSale {
   // Forgets the letter in hand: its boxes, its auctions, its partner, its note and its switch.
   void DropLetter();
 
-  // Sending.
+  // Sending. "MAPI Compliant Mail" in the current setup row sends through the user's mail program.
+  bool MapiCompliant();
   void CommonStart();
   void CommonEnd();
   SmtpClient& Mail1();

@@ -130,11 +130,7 @@ void AfterSale::bulk_row_deleted() {
 
 void AfterSale::send_bulk_now() {
   try {
-    LoadSetupRow();
-    if (SetupYes(u"mapi_compliant"))
-      send_bulk_mapi_mail();
-    else
-      send_bulk_pop_mail();
+    MapiCompliant() ? send_bulk_mapi_mail() : send_bulk_pop_mail();
   } catch (const RuntimeError&) {
   }
 }

@@ -26,13 +26,14 @@ std::chrono::milliseconds AfterSale::NetworkTimeout() const {
   return std::chrono::milliseconds(static_cast<long long>(seconds * 1000));
 }
 
+bool AfterSale::MapiCompliant() {
+  LoadSetupRow();
+  return SetupYes(u"mapi_compliant");
+}
+
 void AfterSale::send_now() {
   try {
-    LoadSetupRow();
-    if (SetupYes(u"mapi_compliant"))
-      send_mapi_mail();
-    else
-      send_pop_mail();
+    MapiCompliant() ? send_mapi_mail() : send_pop_mail();
   } catch (const RuntimeError&) {
   }
 }
