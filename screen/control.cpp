@@ -80,6 +80,8 @@ const char* KindName(ControlKind kind) {
       return "web browser";
     case ControlKind::DataControl:
       return "data control";
+    case ControlKind::ReportViewer:
+      return "report viewer";
   }
   return "control";
 }

@@ -49,6 +49,7 @@ enum class ControlKind {
   TreeView,
   WebBrowser,
   DataControl,
+  ReportViewer,
 };
 const char* KindName(ControlKind kind);
 

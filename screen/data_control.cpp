@@ -5,6 +5,7 @@
 #include "core/primitives/encoding.h"
 #include "screen/form.h"
 #include "screen/grid.h"
+#include "screen/names.h"
 
 namespace lw {
 
@@ -149,6 +150,11 @@ void DataControl::AddBound(Control& control) {
 
 void DataControl::RemoveBound(Control& control) {
   std::erase(bound_, &control);
+}
+
+std::optional<Text> DataControl::Property(TextView name, const std::vector<Text>& args) const {
+  if (args.empty() && SameName(name, u"recordsource")) return RecordSource;
+  return Control::Property(name, args);
 }
 
 }  // namespace lw

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "core/store/store.h"
@@ -62,6 +63,9 @@ class DataControl : public Control, public CursorSource {
   // to drop the edits instead.
   std::function<void(int action, bool& save)> OnValidate;
   std::function<void()> OnReposition;
+
+  // Besides the common ones: recordsource, the query it shows.
+  std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;
 
   // Kept by Control::Bind and the grid.
   void AddBound(Control& control);

@@ -7,6 +7,7 @@
 #include "screen/grid.h"
 #include "screen/names.h"
 #include "screen/property_args.h"
+#include "screen/report_viewer.h"
 #include "screen/screen.h"
 #include "screen/tree_view.h"
 
@@ -70,6 +71,9 @@ Control& Form::Add(ControlKind kind, Text name, int index) {
       break;
     case ControlKind::DataControl:
       c = std::make_unique<DataControl>(*this, std::move(name), index);
+      break;
+    case ControlKind::ReportViewer:
+      c = std::make_unique<ReportViewer>(*this, std::move(name), index);
       break;
     default:
       c = std::make_unique<Control>(*this, kind, std::move(name), index);

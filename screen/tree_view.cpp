@@ -80,7 +80,7 @@ void TreeView::Clear() {
   Changed();
 }
 
-void TreeView::SetText(int at, const Text& text) {
+void TreeView::SetNodeText(int at, const Text& text) {
   mutable_node(at).text = text;
   Changed();
 }

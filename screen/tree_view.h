@@ -52,7 +52,7 @@ class TreeView : public Control {
   const std::vector<int>& Roots() const { return roots_; }
   bool HasChildren(int at) const { return !node(at).children.empty(); }
 
-  void SetText(int at, const Text& text);
+  void SetNodeText(int at, const Text& text);
   void SetTag(int at, const Text& tag);
   int64_t Data(int at) const { return node(at).data; }
   void SetData(int at, int64_t data);
@@ -80,6 +80,9 @@ class TreeView : public Control {
   bool redraw() const { return redraw_; }
   void SetRedraw(bool on);
   uint64_t revision() const { return revision_; }
+
+  // Place on its page, in twips.
+  int left = 0, top = 0, width = 0, height = 0;
 
   // A click on an item by the user: fires OnNodeClick with its number, then OnClick.
   std::function<void(int node)> OnNodeClick;

@@ -8,11 +8,15 @@ packages=(
   g++ cmake ninja-build pkg-config clang libclang-rt-14-dev clang-format
   # libraries
   libsqlite3-dev sqlite3 libicu-dev libcurl4-openssl-dev libxml2-dev libxslt1-dev
+  # report layout and exports: PDF, spreadsheet, pictures
+  libhpdf-dev libxlsxwriter-dev libstb-dev
   # tests and benchmarks
   libgtest-dev libgmock-dev googletest libbenchmark-dev python3
   # mail: the user's mail program and PDF viewer are reached through xdg-utils; letters are printed
   # through libharu; the tests run a local SMTP server and read printed letters back
   xdg-utils libhpdf-dev python3-aiosmtpd poppler-utils
+  # reading report exports back: the PDF's text, the spreadsheet's parts
+  poppler-utils unzip
 )
 
 missing=()

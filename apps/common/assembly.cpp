@@ -6,6 +6,7 @@
 
 #include "accounting/charges_screen.h"
 #include "accounting/fees_screen.h"
+#include "accounting/report_screen.h"
 #include "aftersale/aftersale_screen.h"
 #include "core/store/store.h"
 #include "import/import_screen.h"
@@ -62,6 +63,7 @@ void RegisterSubsystems(Program& program) {
   RegisterCharges(program);
   RegisterFees(program);
   RegisterAfterSale(program);
+  RegisterReports(program);
 }
 
 }  // namespace lw

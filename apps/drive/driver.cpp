@@ -636,8 +636,12 @@ std::optional<FileDialogAnswer> Driver::ShowOpen(const FileDialogRequest& reques
 
 std::optional<FileDialogAnswer> Driver::ShowSave(const FileDialogRequest& request) {
   auto answer = FileDialog();
-  outside_.push_back("save dialog " + Q(request.title) + " -> " +
-                     (answer ? Q(FromUtf8(answer->path.string())) : std::string("cancel")));
+  // What the dialog offers matters to a save: the name and folder it opens with, and its formats.
+  outside_.push_back("save dialog " + Q(request.title) + " name " + Q(request.file_name) + " folder " +
+                     Q(request.initial_dir) + " filter " + Q(request.filter) + " " +
+                     std::to_string(request.filter_index) + " -> " +
+                     (answer ? Q(FromUtf8(answer->path.string())) + " " + std::to_string(answer->filter_index)
+                             : std::string("cancel")));
   return answer;
 }
 

@@ -192,7 +192,7 @@ TEST(Driver, DialogsKeysTicksAndProperties) {
                                             "tick 7"}));
   EXPECT_EQ(h.out.str(),
             "open dialog \"Open page\" -> \"/tmp/a.htm\"\n"
-            "save dialog \"Open page\" -> cancel\n"
+            "save dialog \"Open page\" name \"\" folder \"\" filter \"\" 1 -> cancel\n"
             "start \"/bin/true\" \"--backup\"\n"
             "name_txt = \"on mainx\"\n"
             "Userid_lst.list(1) = \"bob\"\n"

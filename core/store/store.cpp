@@ -654,6 +654,17 @@ Variant Recordset::Fields(TextView name) const {
   return impl_->Current()[i];
 }
 
+int Recordset::FieldOrdinal(TextView name) const {
+  return impl_->FieldIndex(name);
+}
+
+Variant Recordset::FieldAt(int ordinal) const {
+  if (ordinal < 0 || static_cast<size_t>(ordinal) >= impl_->tr->outputs.size())
+    Fail(err::kItemNotFound, "Item not found in this collection.");
+  if (impl_->mode != Impl::Mode::None) return impl_->buffer[ordinal];
+  return impl_->Current()[ordinal];
+}
+
 void Recordset::SetField(TextView name, const Variant& value) {
   int i = impl_->RequireField(name);
   impl_->RequireUpdatable();

@@ -137,6 +137,11 @@ class Recordset {
   // Value of a field of the current row (or of the row being edited/added). Names ignore case; over a
   // join a clashing column is "table.column". 3265 for a name the cursor lacks, 3021 at EOF/BOF.
   Variant Fields(TextView name) const;
+  // The place of a field among FieldNames(), found by the names Fields takes; -1 for none. Code that
+  // reads the same fields of many rows looks them up once and reads them by place with FieldAt.
+  int FieldOrdinal(TextView name) const;
+  // As Fields, by place; 3265 outside the fields.
+  Variant FieldAt(int ordinal) const;
   // Sets a field of the row being edited or added; converts to the column's type (3421 when it cannot).
   void SetField(TextView name, const Variant& value);
   // Field names in order, as the query gives them.

@@ -64,6 +64,22 @@ TEST_F(StoreTest, ShippedStoreRowsAndLayout) {
   sqlite3_close(raw);
 }
 
+TEST_F(StoreTest, FieldsReadByTheirPlaceAreTheFieldsOfThatName) {
+  Populate();
+  auto rs = Open(
+      "Select * From setup, seller where setup.userid = seller.username and seller.username = 'seller1' "
+      "order by "
+      "Item");
+  int name = rs->FieldOrdinal(u"seller.Name"), title = rs->FieldOrdinal(u"TITLE");
+  ASSERT_GE(name, 0);
+  EXPECT_EQ(rs->FieldNames()[name], u"seller.Name");
+  EXPECT_EQ(rs->FieldAt(name), rs->Fields(u"seller.Name"));
+  EXPECT_EQ(rs->FieldAt(title), Variant(Text(u"Blue Vase")));
+  EXPECT_EQ(rs->FieldOrdinal(u"no_such_column"), -1);
+  EXPECT_THROW(rs->FieldAt(-1), RuntimeError);
+  EXPECT_THROW(rs->FieldAt(static_cast<int>(rs->FieldNames().size())), RuntimeError);
+}
+
 TEST_F(StoreTest, OlderLayoutLacksAColumn) {
   db_.reset();
   sqlite3* raw = nullptr;

@@ -16,6 +16,8 @@ constexpr char kUsage[] =
     "Runs Lotwright without a window and executes the commands of SCRIPT (standard input without one),\n"
     "one a line: set, click, rclick, dblclick, row, resize, key, leave, tab, menu, answer, file, color,\n"
     "now, pump, tick, get, status, messages, grid, sql, clipboard, outside, exit.\n"
+    "A tree takes click TREE \"A > B > C\" (captions from the top; the items on the way are opened).\n"
+    "The report viewer answers get arv.pagecount and get arv.page(I), and takes click arv print or a page.\n"
     "Exit status: 0, 2 when a command failed, 3 on an unhandled program error.\n";
 
 }  // namespace
