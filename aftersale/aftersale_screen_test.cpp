@@ -1,24 +1,20 @@
 // The after-sale screen on a real store under the main form: the log line written to each combined
 // auction with the group moved once, the partner's totals with Null sums, Copy Address with its
-// question and its count, and the printed letter handed to the desktop's viewer.
+// question and its count, and the printed letter laid out in the report viewer.
 #include <gtest/gtest.h>
 
+#include "accounting/report_screen.h"
 #include "aftersale/aftersale_screen.h"
 #include "core/primitives/encoding.h"
 #include "screen/main/main_form.h"
 #include "screen/main/startup.h"
+#include "screen/report_viewer.h"
 #include "screen/testing.h"
 
 namespace lw {
 namespace {
 
 namespace fs = std::filesystem;
-
-// The user, who also notes what the program asks the desktop to open.
-struct DesktopUi : testing::RecordingUi {
-  std::vector<Text> opened;
-  void OpenAddress(const Text& address) override { opened.push_back(address); }
-};
 
 class AfterSaleScreen : public ::testing::Test {
  protected:
@@ -31,6 +27,7 @@ class AfterSaleScreen : public ::testing::Test {
                                          ProgramFiles{LW_SHIPPED_STORE, dir_ / "convert", dir_ / "help"});
     CreateForms(*program_);
     after_ = RegisterAfterSale(*program_);
+    RegisterReports(*program_);
     Main(*program_);
     program_->clock.Fix(MakeDate(2026, 11, 21, 10, 0, 0));
     ui_.boxes.clear();
@@ -68,7 +65,7 @@ class AfterSaleScreen : public ::testing::Test {
   }
 
   fs::path dir_;
-  DesktopUi ui_;
+  testing::RecordingUi ui_;
   EventQueue queue_;
   std::unique_ptr<Settings> settings_;
   std::unique_ptr<Program> program_;
@@ -162,20 +159,22 @@ TEST_F(AfterSaleScreen, CopyAddressAsksFirstAndCountsTheRowsItChanged) {
   EXPECT_EQ(main().status(), u"No Name and Addresses Updated");
 }
 
-TEST_F(AfterSaleScreen, APrintedLetterReplacesTheUsersLastOneAndGoesToTheViewerAsAPdf) {
+TEST_F(AfterSaleScreen, APrintedLetterReplacesTheUsersLastOneAndIsLaidOutInTheViewer) {
   for (const char16_t* subject : {u"First letter", u"Second letter"}) {
     main().Get(u"emailletter_txt", 1).SetText(u"b1@x.example");
     main().Get(u"emailletter_txt", 3).SetText(subject);
-    main().Get(u"emailletter_txt", 0).SetText(u"Dear buyer");
+    main().Get(u"emailletter_txt", 0).SetText(u"Dear buyer\r\nThe chair is yours.");
     after_->print_email();
   }
   EXPECT_EQ(Field(u"Select count(*) From bulk where printletter = true"), Variant(1.0));
   EXPECT_EQ(Field(u"Select emailtext_subject From bulk where printletter = true"), Variant(u"Second letter"));
   EXPECT_EQ(main().SSTab1.tab(), 7);
-  fs::path pdf = program_->DbFile(u"\\emailreport.pdf");
-  ASSERT_TRUE(fs::exists(pdf));
-  ASSERT_EQ(ui_.opened.size(), 2u);
-  EXPECT_EQ(ui_.opened[1], u"file://" + pdf.u16string());
+  auto& arv = dynamic_cast<ReportViewer&>(*main().Find(u"arv"));
+  ASSERT_EQ(arv.PageCount(), 1);
+  const Text page = PageText(arv.document()->pages.at(0));
+  for (const char16_t* part : {u"b1@x.example", u"Second letter", u"Dear buyer", u"The chair is yours."})
+    EXPECT_NE(page.find(part), Text::npos) << ToUtf8(page);
+  EXPECT_EQ(page.find(u"First letter"), Text::npos);
 }
 
 }  // namespace

@@ -1,33 +1,10 @@
-// "Print Email": the letter in the boxes becomes the print row of the bulk table and goes to paper
-// through the desktop's viewer.
-#include <cctype>
-#include <string_view>
-
+// "Print Email": the letter in the boxes becomes the print row of the bulk table and is laid out by the
+// report layer's "emailreport" in the report viewer, where the user prints or saves it.
+#include "accounting/reports.h"
 #include "aftersale/aftersale_screen.h"
-#include "aftersale/letter_pdf.h"
-#include "core/primitives/encoding.h"
 #include "screen/main/main_form.h"
 
 namespace lw {
-namespace {
-
-// A file address for the desktop: blanks and the like escaped, the path's own characters kept.
-Text FileAddress(const std::filesystem::path& file) {
-  std::string out = "file://";
-  for (unsigned char c : file.string()) {
-    if (std::isalnum(c) || std::string_view("/-_.~").find(static_cast<char>(c)) != std::string_view::npos) {
-      out += static_cast<char>(c);
-    } else {
-      static const char kHex[] = "0123456789ABCDEF";
-      out += '%';
-      out += kHex[c >> 4];
-      out += kHex[c & 15];
-    }
-  }
-  return FromUtf8(out);
-}
-
-}  // namespace
 
 void AfterSale::print_email() {
   MainForm& f = main();
@@ -47,16 +24,9 @@ void AfterSale::print_email() {
     bulk->Update();
     f.SSTab1.SetTab(kReportsPage);
 
-    std::vector<PrintedLetter> letters;
-    auto rows = db.OpenRecordset(u"Select * From bulk" + mine);
-    for (; !rows->Eof(); rows->MoveNext())
-      letters.push_back({TextOf(rows->Fields(u"emailtext_to")), TextOf(rows->Fields(u"emailtext_subject")),
-                         TextOf(rows->Fields(u"emailtext"))});
-    std::filesystem::path file = program_->DbFile(u"\\emailreport.pdf");
-    const std::string& locale = program_->regional.locale_id;
-    bool letter_paper = locale.rfind("en_US", 0) == 0 || locale.rfind("en_CA", 0) == 0;
-    WriteLetterPdf(file, letters, letter_paper);
-    f.ui().OpenAddress(FileAddress(file));
+    auto report = MakeReportLayout(u"emailreport", LayoutContext{program_->clock.Today()});
+    report->data_source = u"Select * From bulk" + mine;
+    runreport(*program_, *report);
   } catch (const RuntimeError&) {
   }
 }

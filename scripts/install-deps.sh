@@ -12,9 +12,8 @@ packages=(
   libhpdf-dev libxlsxwriter-dev libstb-dev
   # tests and benchmarks
   libgtest-dev libgmock-dev googletest libbenchmark-dev python3
-  # mail: the user's mail program and PDF viewer are reached through xdg-utils; letters are printed
-  # through libharu; the tests run a local SMTP server and read printed letters back
-  xdg-utils libhpdf-dev python3-aiosmtpd poppler-utils
+  # mail: the user's mail program is reached through xdg-utils; the tests run a local SMTP server
+  xdg-utils python3-aiosmtpd
   # reading report exports back: the PDF's text, the spreadsheet's parts
   poppler-utils unzip
 )
