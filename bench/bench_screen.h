@@ -7,10 +7,14 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <functional>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
 #include "screen/form.h"
+#include "screen/main/main_form.h"
+#include "screen/main/startup.h"
 #include "screen/testing.h"
 
 namespace lw::bench {
@@ -42,5 +46,30 @@ inline std::filesystem::path PrepareBenchHome(const std::string& prefix, const c
   if (!ok) throw std::runtime_error("filling the bench store: " + why);
   return dir;
 }
+
+// The whole program started on a bench home made by PrepareBenchHome: its forms, the subsystems
+// `subsystems` registers, and start-up. The home goes with it.
+struct BenchProgram {
+  std::filesystem::path dir;
+  QuietUi ui;
+  EventQueue queue;
+  std::unique_ptr<Settings> settings;
+  std::unique_ptr<Program> program;
+
+  BenchProgram(std::filesystem::path home, const std::function<void(Program&)>& subsystems)
+      : dir(std::move(home)) {
+    settings = std::make_unique<Settings>(dir / "config" / "settings.ini");
+    program =
+        std::make_unique<Program>(ui, queue, *settings, ProgramFiles{LW_SHIPPED_STORE, "/bin/true", "help"});
+    CreateForms(*program);
+    if (subsystems) subsystems(*program);
+    Main(*program);
+  }
+  ~BenchProgram() {
+    program.reset();
+    std::filesystem::remove_all(dir);
+  }
+  MainForm& main() { return *program->main; }
+};
 
 }  // namespace lw::bench

@@ -82,9 +82,31 @@ void CurlWebBrowser::ReapRetired() {
   retired_ = std::move(still);
 }
 
+namespace {
+
+// An address as a browser puts it on the wire: blanks, control characters, bytes outside ASCII and the
+// characters an address may not hold are escaped; everything else, "%" and "&" included, stays.
+std::string AddressAsSent(const std::string& url) {
+  static const char kHex[] = "0123456789ABCDEF";
+  std::string out;
+  for (unsigned char c : url) {
+    if (c <= 0x20 || c >= 0x7F ||
+        std::string_view("\"<>\\^`{|}").find(static_cast<char>(c)) != std::string_view::npos) {
+      out += '%';
+      out += kHex[c >> 4];
+      out += kHex[c & 15];
+    } else {
+      out += static_cast<char>(c);
+    }
+  }
+  return out;
+}
+
+}  // namespace
+
 void CurlWebBrowser::Navigate(const std::string& url) {
   HttpRequest request;
-  request.url = url;
+  request.url = AddressAsSent(url);
   if (!history_.empty()) history_.resize(current_ + 1);
   history_.push_back(std::move(request));
   Load(history_.size() - 1);
@@ -92,7 +114,7 @@ void CurlWebBrowser::Navigate(const std::string& url) {
 
 void CurlWebBrowser::NavigatePost(const std::string& url, const std::string& body) {
   HttpRequest request;
-  request.url = url;
+  request.url = AddressAsSent(url);
   request.method = "POST";
   request.body = body;
   request.referer = location_;

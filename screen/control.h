@@ -142,6 +142,8 @@ class Control {
   const Text& data_field() const { return data_field_; }
   // True after an edit since the row was last read or saved.
   bool data_changed() const { return data_changed_; }
+  // True while a data control is showing a row in the control: a Click fired then is no user's.
+  bool loading() const { return loading_; }
   void SetDataChanged(bool changed) { data_changed_ = changed; }
   // Called by the data control: show a field value (the change is not an edit), and give the value to
   // write back. Text-like controls write Null for an empty text unless the field holds text.

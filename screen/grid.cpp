@@ -256,6 +256,57 @@ void Grid::UserEditCell(int row, int col, const Text& value) {
     SetCell(row, col, value);
   }
   if (OnAfterColUpdate) OnAfterColUpdate(col);
+
+void Grid::UserSet(const Text& value) {
+  RequireReachable("edit");
+  if (!allow_updates)
+    throw UserRefused("cannot edit " + ToUtf8(Reference()) + ": it is not open for editing");
+  if (col_ < 0 || col_ >= ColumnCount()) throw UserError("grid " + ToUtf8(Reference()) + " has no column");
+  const Column& c = columns[col_];
+  if (c.locked) throw UserRefused("column " + std::to_string(col_) + " is locked");
+  DataControl* source = data_source();
+  if (!source) {
+    if (row_ < 0) throw UserError("grid " + ToUtf8(Reference()) + " has no current row");
+    SetCell(row_, col_, value);
+    return;
+  }
+  if (row() < 0) throw UserError("grid " + ToUtf8(Reference()) + " has no current row");
+  if (c.data_field.empty()) throw UserRefused("column " + std::to_string(col_) + " shows no field");
+  form().SetFocus(this);
+  Recordset& r = source->recordset();
+  try {
+    r.Edit();
+    r.SetField(c.data_field, Variant(value));
+    r.Update();
+  } catch (const RuntimeError& e) {
+    // The store refused the value: the row keeps what it had, as a desktop grid would after its error.
+    if (r.EditInProgress()) r.CancelUpdate();
+    throw UserRefused("the grid's row was not changed: " + e.description());
+  }
+  source->Reposition();
+}
+
+void Grid::UserKey(int key_code, int ascii) {
+  Control::UserKey(key_code, ascii);
+  if (key_code != key::kDelete || !allow_delete) return;
+  DataControl* source = data_source();
+  if (!source) {
+    if (row_ < 0 || row_ >= static_cast<int>(rows_.size())) return;
+    rows_.erase(rows_.begin() + row_);
+    if (OnAfterDelete) OnAfterDelete();
+    if (row_ >= static_cast<int>(rows_.size())) row_ = static_cast<int>(rows_.size()) - 1;
+    return;
+  }
+  if (row() < 0) return;
+  const int last = row();
+  Recordset& r = source->recordset();
+  r.Delete();
+  if (OnAfterDelete) OnAfterDelete();
+  // On to the row that followed the deleted one, or the new last row.
+  r.MoveNext();
+  if (r.Eof() && r.RecordCount() > 0) r.MoveLast();
+  source->Reposition();
+  if (OnRowColChange) OnRowColChange(last, col_);
 }
 
 std::optional<Text> Grid::Property(TextView name, const std::vector<Text>& args) const {

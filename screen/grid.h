@@ -54,7 +54,10 @@ class Grid : public Control {
   void SetRow(int row);
   void SetCol(int col);
 
+  // With allow_updates the user edits the current cell (`set GRID VALUE`); with allow_delete the Delete
+  // key deletes the current row, and a bound grid deletes its record.
   bool allow_updates = false;
+  bool allow_delete = false;
   int32_t odd_colour = 0xFFFFFF;
   int32_t even_colour = 0xFFFFFF;
 
@@ -64,6 +67,8 @@ class Grid : public Control {
   std::function<void(int col)> OnColResize;
   // Asked for the tip of a heading; may set `tip`.
   std::function<void(int col, Text& tip)> OnColumnTip;
+  // After the user deleted a row, before the grid moves on to the next one.
+  std::function<void()> OnAfterDelete;
 
   // The driver: `click grid N` clicks heading N; `row grid N` clicks row N.
   void UserClick(const Text* argument) override;
@@ -75,6 +80,8 @@ class Grid : public Control {
   // not open for updating, or the column is locked or hidden. OnAfterColUpdate follows with the column.
   void UserEditCell(int row, int col, const Text& value);
   std::function<void(int col)> OnAfterColUpdate;
+  void UserSet(const Text& value) override;
+  void UserKey(int key_code, int ascii) override;
   std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;
 
  private:

@@ -14,6 +14,8 @@ packages=(
   libsane-dev libsane1
   # tests and benchmarks
   libgtest-dev libgmock-dev googletest libbenchmark-dev python3
+  # mail: the user's mail program is reached through xdg-utils; the tests run a local SMTP server
+  xdg-utils python3-aiosmtpd
   # reading report exports back: the PDF's text, the spreadsheet's parts
   poppler-utils unzip
   # the loopback FTP server of the upload and update check tests

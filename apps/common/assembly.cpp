@@ -7,6 +7,7 @@
 #include "accounting/charges_screen.h"
 #include "accounting/fees_screen.h"
 #include "accounting/report_screen.h"
+#include "aftersale/aftersale_screen.h"
 #include "bidding/bid_screen.h"
 #include "core/store/store.h"
 #include "import/import_screen.h"
@@ -64,6 +65,7 @@ void RegisterSubsystems(Program& program) {
   ImportScreen& import = RegisterImport(program);
   RegisterCharges(program);
   RegisterFees(program);
+  RegisterAfterSale(program);
   RegisterListing(program);
   RegisterReports(program);
   RegisterMedia(program);

@@ -146,9 +146,9 @@ void MainForm::BuildControls() {
                              PairField{u"start_pnl", u"Start", u"Start"},
                              PairField{u"end_pnl", u"End", u"End"},
                              PairField{u"id_pnl", u"Id", u"Id"},
-                             PairField{u"Email_txt", u"Email", u"Email"},
-                             PairField{u"Name_txt", u"Name", u"Name"},
-                             PairField{u"Address_txt", u"Address", u"Address"},
+                             PairField{u"email_pnl", u"Email", u"Email"},
+                             PairField{u"hi_bidder_name_txt", u"Name", u"Name"},
+                             PairField{u"hi_bidder_address_txt", u"Address", u"Address"},
                              PairField{u"Comments_txt", u"Comments", u"Comments"},
                              PairField{u"status_log_txt", u"status_log", u"status_log"},
                              PairField{u"Quantity_txt", u"Quantity", u"Quantity"},
@@ -162,7 +162,10 @@ void MainForm::BuildControls() {
                              PairField{u"Contact_chk", u"Contact", u"Contact"},
                              PairField{u"Response_chk", u"Response", u"Response"},
                              PairField{u"Payment_chk", u"Payment", u"Payment"},
-                             PairField{u"Trans_comp_chk", u"Trans_comp", u"Trans_comp"}}) {
+                             PairField{u"Trans_comp_chk", u"Trans_comp", u"Trans_comp"},
+                             PairField{u"auction_ended_chk", u"Completed", u"Completed"},
+                             PairField{u"status_date_txt", u"Status_date", u"Status_date"},
+                             PairField{u"feedback_chk", u"Feedback", u"Feedback"}}) {
     Get(f.control, 0).Bind(seller, f.seller_field);
     Get(f.control, 1).Bind(Bidder, f.bidder_field);
   }

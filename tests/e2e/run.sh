@@ -22,6 +22,8 @@
 #   NAME.after.sh  optional: runs after the last run, with the same variables; what it prints is added
 #                  to the transcript after a line "--- after ---" (to show what a server recorded)
 # A line "# scanner: test" gives the runs SANE's test scanners; without it they see no scanner at all.
+# A folder "$HOME/bin" made by the setup script comes first on PATH for the runs: stand-ins for the
+# desktop's own programs (xdg-email, xdg-open) go there.
 # With LW_E2E_UPDATE=1 in the environment the transcript replaces NAME.expected.
 set -u
 
@@ -136,6 +138,10 @@ if [[ -f "$dir/$name.setup.sh" ]]; then
     cat "$work/setup.log" >&2
     exit 1
   fi
+fi
+
+if [[ -d "$HOME/bin" ]]; then
+  export PATH="$HOME/bin:$PATH"
 fi
 
 transcript="$work/transcript"

@@ -1,0 +1,2 @@
+/usr/bin/python3 "$LW_E2E_DIR/mail_show.py" --events "$LW_E2E_WORK/pop3" "$LW_E2E_WORK/smtp"
+/usr/bin/python3 "$LW_E2E_DIR/mail_show.py" "$LW_E2E_WORK/smtp" | grep -E '^(0|To:|Subject:)'

@@ -1,0 +1,1 @@
+. "$LW_E2E_DIR/mail_sales.sh"
