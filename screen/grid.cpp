@@ -256,6 +256,7 @@ void Grid::UserEditCell(int row, int col, const Text& value) {
     SetCell(row, col, value);
   }
   if (OnAfterColUpdate) OnAfterColUpdate(col);
+}
 
 void Grid::UserSet(const Text& value) {
   RequireReachable("edit");
