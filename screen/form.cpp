@@ -94,6 +94,7 @@ Control& Form::Adopt(std::unique_ptr<Control> control) {
   }
   same.push_back(control.get());
   controls_.push_back(std::move(control));
+  if (ScreenObserver* observer = screen_->observer()) observer->ControlAdded(*controls_.back());
   return *controls_.back();
 }
 
@@ -132,6 +133,7 @@ void Form::Show(bool modal) {
   Load();
   if (!loaded_) return;  // Load unloaded it again
   visible_ = true;
+  Notify();
   Activate();
   if (!modal || !visible_) return;
   modal_ = true;
@@ -148,7 +150,13 @@ void Form::Show(bool modal) {
 }
 
 void Form::Hide() {
+  if (!visible_) return;
   visible_ = false;
+  Notify();
+}
+
+void Form::Notify() {
+  if (ScreenObserver* observer = screen_->observer()) observer->FormChanged(*this);
 }
 
 bool Form::Unload() {
@@ -161,6 +169,7 @@ bool Form::Unload() {
   visible_ = false;
   loaded_ = false;
   SetFocus(nullptr);
+  Notify();
   return true;
 }
 
@@ -178,6 +187,7 @@ void Form::SetFocus(Control* control) {
 
 void Form::ControlGone(Control& control) {
   if (active_ == &control) active_ = nullptr;
+  if (ScreenObserver* observer = screen_->observer()) observer->ControlRemoved(control);
 }
 
 void Form::PopupMenu(Menu& menu) {
@@ -205,6 +215,7 @@ bool Form::SetProperty(TextView name, const Text& value) {
   const Text n = FoldName(name);
   if (n == u"caption" || n == u"text") {
     caption = value;
+    Notify();
     return true;
   }
   if (n == u"visible" || n == u"enabled") {
@@ -235,6 +246,7 @@ bool Form::SetProperty(TextView name, const Text& value) {
   if (n == u"windowstate" && (v < 0 || v > 2)) throw UserError("WindowState is 0, 1 or 2");
   if ((n == u"width" || n == u"height") && v < 0) throw UserError(ToUtf8(name) + " cannot be negative");
   *target = v;
+  Notify();
   if (OnResize) OnResize();
   return true;
 }

@@ -88,6 +88,9 @@ class Form {
   bool Unload();
   // Makes the form the active one again (fires OnActivate), as when a modal form over it closes.
   void Activate();
+  // Tells the screen's observer that the form changed: shown, hidden, unloaded, or a new caption or
+  // geometry set from code.
+  void Notify();
 
   // The control that has the focus, or nullptr. Moving the focus fires LostFocus and GotFocus.
   Control* active_control() const { return active_; }
