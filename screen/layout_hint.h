@@ -26,8 +26,8 @@ struct LayoutHint {
   bool stretch = false;
   // A frame or page: how many columns its fields stand in.
   int columns = 1;
-  // A frame or page: the frames inside stand side by side rather than one under the other.
-  bool frames_across = false;
+  // A frame or page: how many columns the frames inside it stand in.
+  int frame_columns = 1;
 };
 
 }  // namespace lw

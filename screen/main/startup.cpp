@@ -8,6 +8,7 @@
 #include "screen/main/database_location.h"
 #include "screen/main/exit_rules.h"
 #include "screen/main/main_form.h"
+#include "screen/main/main_places.h"
 #include "screen/main/saved_view.h"
 #include "screen/main/small_forms.h"
 
@@ -198,6 +199,9 @@ void MainForm::Form_Load() {
   Program& p = *program_;
   Ui& u = ui();
   auto& st = p.startup;
+
+  // Every control is in place before anyone draws the form, the subsystems' ones too.
+  PlaceMainControls(*this);
 
   // 8. Help, and every data source on the one store.
   st.help_file = p.files.help;
