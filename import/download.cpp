@@ -97,7 +97,8 @@ void WireTransports(ImportScreen& screen, DownloadState& state) {
   Program& p = Prog(screen);
   EventPort port = p.screen.queue().Port();
   if (!t.session) {
-    t.session = std::make_unique<HttpSession>();
+    if (!p.http_session) p.http_session = std::make_shared<HttpSession>();
+    t.session = p.http_session;
     // A server that never answers must not hold an import for ever; the user may shorten the wait.
     double seconds = Val(p.settings.GetSetting(u"Lotwright", u"Network", u"timeout", u"60"));
     if (seconds > 0) {

@@ -17,6 +17,7 @@
 
 namespace lw {
 
+class HttpSession;
 class MainForm;
 class SplashForm;
 class WizardForm;
@@ -100,6 +101,10 @@ struct Program {
     Text feedback_url;
     Text password;  // the current user id's site password, for the My eBay and account pages
   } main_screen;
+
+  // The run's one HTTP session, whose cookies every transport shares: made by the first transport that
+  // needs it, or handed in by a front end whose web view shares the cookies too.
+  std::shared_ptr<HttpSession> http_session;
 
   // Objects the subsystems registered on the screen keep for the whole run.
   std::vector<std::shared_ptr<void>> subsystems;
