@@ -91,6 +91,10 @@ class Ui {
   virtual void StartProgram(const std::filesystem::path& program, const std::vector<Text>& arguments) = 0;
   // Ends the process at once. Never returns: implementations throw ProcessEnd (or exit).
   [[noreturn]] virtual void EndProcess(int code) = 0;
+  // In the middle of long work: lets the user act meanwhile (a Cancel button, a look at another page)
+  // and the screen show the progress. The caller must be safe against the user starting another command
+  // before this returns. Without a window there is nothing to let through.
+  virtual void DoEvents() {}
 };
 
 // Sets the wait cursor for the life of the object, and back even when the call throws.

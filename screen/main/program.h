@@ -67,6 +67,9 @@ struct Program {
     std::unique_ptr<Recordset> setup;  // "Select * From Setup"
     bool ini_import_failed = false;
     std::filesystem::path help_file;  // what the help menu opens
+    // A store named on the command line: opened for this run instead of the one the settings name,
+    // which stay as they are.
+    std::filesystem::path command_line_store;
   } startup;
 
   // The view on show.

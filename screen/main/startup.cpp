@@ -100,6 +100,10 @@ void InstallShippedStore(const std::filesystem::path& shipped, const std::filesy
 void Main(Program& p) {
   auto& st = p.startup;
   DatabaseLocation loc = ReadDatabaseLocation(p.settings);
+  if (!st.command_line_store.empty()) {
+    loc.path = FromUtf8(st.command_line_store.parent_path().string());
+    loc.name = u"\\" + FromUtf8(st.command_line_store.filename().string());
+  }
   st.database_path = loc.path;
   st.database_name = loc.name;
 
@@ -356,8 +360,11 @@ void MainForm::save_user_settings() {
   Program& p = *program_;
   Settings& s = p.settings;
   if (window_state == 1) window_state = 0;
-  s.SaveSetting(kAppKey, kDb, u"Path", p.startup.database_path);
-  s.SaveSetting(kAppKey, kDb, u"Dbname", p.startup.database_name);
+  // A store named on the command line was for this run only.
+  if (p.startup.command_line_store.empty()) {
+    s.SaveSetting(kAppKey, kDb, u"Path", p.startup.database_path);
+    s.SaveSetting(kAppKey, kDb, u"Dbname", p.startup.database_name);
+  }
   WindowGeometry g = GeometryToSave({width, height, left, top});
   s.SaveSetting(kAppKey, kScreen, u"Width", FromUtf8(std::to_string(g.width)));
   s.SaveSetting(kAppKey, kScreen, u"Height", FromUtf8(std::to_string(g.height)));
