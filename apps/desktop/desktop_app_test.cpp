@@ -14,8 +14,10 @@
 #include <QToolBar>
 #include <QToolBox>
 
+#include <fstream>
 #include <iostream>
 #include <map>
+#include <thread>
 
 #include "apps/desktop/desktop_testing.h"
 #include "core/primitives/encoding.h"
@@ -285,6 +287,74 @@ TEST_F(DesktopApp, DeletingTheLastUseridSaysItCannotOnTheSetupPage) {
             EXPECT_TRUE(Widget(d, main->ctListBar1)->isEnabled());
           });
   CloseAndAnswerBackup(user, d);
+  ASSERT_TRUE(user.Play()) << user.stuck();
+}
+
+}  // namespace
+}  // namespace lw::desktop
+
+namespace lw::desktop {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::Home;
+using testing::User;
+
+TEST_F(DesktopApp, ADatabaseNamedForTheRunOpensAndTheSettingsKeepTheirOwn) {
+  Home home("other_store");
+  const fs::path other = home.dir / "elsewhere" / "shop.mdb";
+  fs::create_directories(other.parent_path());
+  fs::copy_file(LW_SHIPPED_STORE, other);
+  testing::Sql(other, "UPDATE setup SET Userid = 'othershop', Password = 'x', Name = 'Other'");
+  DesktopOptions options = home.Options();
+  options.database = other;
+  Desktop d(options);
+  User user(d);
+  user.Then("the main window on the other store",
+            [&] { return d.renderer().MainWindow() && d.renderer().MainWindow()->isVisible(); },
+            [&] {
+              EXPECT_EQ(d.program().main->Userid_lst.text(), u"othershop");
+              EXPECT_NE(d.renderer().MainWindow()->windowTitle().indexOf("shop.mdb"), -1);
+            });
+  CloseAndAnswerBackup(user, d);
+  ASSERT_TRUE(user.Play()) << user.stuck();
+  std::ifstream settings(home.dir / "config" / "lotwright" / "settings.ini");
+  std::string all((std::istreambuf_iterator<char>(settings)), std::istreambuf_iterator<char>());
+  EXPECT_EQ(all.find("shop.mdb"), std::string::npos) << all;
+  EXPECT_NE(all.find("Width="), std::string::npos) << all;
+}
+
+// The model's timers tick in the Qt loop, and its queue's events are delivered there, on this thread.
+TEST_F(DesktopApp, TimersAndQueuedEventsRunInTheLoop) {
+  Home home("timers");
+  Desktop d(home.Options());
+  User user(d);
+  int ticks = 0;
+  bool delivered_here = false;
+  const auto gui = std::this_thread::get_id();
+  user.Then("a timer started and an event posted from another thread",
+            [&] { return d.renderer().MainWindow() && d.renderer().MainWindow()->isVisible(); },
+            [&] {
+              Timer& t = d.program().main->Get<Timer>(u"Timer1");
+              d.Dispatch([&] {
+                t.OnTimer = [&] { ++ticks; };
+                t.SetInterval(40);
+                t.SetEnabled(true);
+              });
+              EventQueue& q = d.program().screen.queue();
+              std::thread([&q, &delivered_here, gui] {
+                q.Post([&delivered_here, gui] { delivered_here = std::this_thread::get_id() == gui; });
+              }).join();
+            })
+      .Then("both came", [&] { return ticks >= 3 && delivered_here; },
+            [&] {
+              Timer& t = d.program().main->Get<Timer>(u"Timer1");
+              d.Dispatch([&] { t.SetEnabled(false); });
+              const int stopped_at = ticks;
+              QTest::qWait(200);
+              EXPECT_EQ(ticks, stopped_at);
+              d.Quit(0);
+            });
   ASSERT_TRUE(user.Play()) << user.stuck();
 }
 

@@ -570,7 +570,7 @@ class FrameView : public ControlView {
     if (ControlView::Stretches()) return true;
     // A frame holding something that takes the free space takes it too.
     for (const auto& c : control_.form().controls())
-      if (c->container() == &control_ && c->visible())
+      if (c->container() == &control_)
         if (ControlView* v = renderer_.ViewOf(*c); v && v->Stretches()) return true;
     return false;
   }

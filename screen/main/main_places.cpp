@@ -109,7 +109,7 @@ constexpr Place kPlaces[] = {
     {u"ctToolBar2", kEvery, 2, nullptr, nullptr},
     {u"Name_txt", kEvery, 2, u"contact_fra", u"Name", kOneSideShown},
     {u"Email_txt", kEvery, 2, u"contact_fra", u"Email", kOneSideShown},
-    {u"total_price_lbl", kEvery, 2, u"contact_fra", u"Total"},
+    {u"total_price_lbl", kEvery, 2, nullptr, u"Total"},
     {u"Address_txt", kEvery, 2, nullptr, u"Address", kOneSideShown | kMultiline | kStretch},
     {u"Comments_txt", kEvery, 2, nullptr, u"Comments", kOneSideShown | kMultiline | kStretch},
     {u"status_log_txt", kEvery, 2, nullptr, u"Status Log", kOneSideShown | kMultiline | kStretch},
