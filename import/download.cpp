@@ -147,6 +147,12 @@ void RoutineOr(ImportScreen& screen, const char* routine, F&& fallback) {
   if (!Prog(screen).routines.Call(routine)) fallback();
 }
 
+// The fee import is accounting's: it reads the normalised page from "\parsed_data.htm".
+void hand_to_fee_import(ImportScreen& screen) {
+  screen.buffer.SaveFile(Prog(screen).DbFile(u"\\parsed_data.htm"), 1);
+  Call(screen, "get_allfees");
+}
+
 void sign_in_round_trip(ImportScreen& screen) {
   MainForm& form = Main(screen);
   Toolbar& bar = form.Get<Toolbar>(u"ctToolBar3");
@@ -354,7 +360,7 @@ void CIHTTP1_Done(ImportScreen& screen) {
         jobs.seller_dutch_pending = false;
       }
       if (jobs.fees_pending) {
-        Call(screen, "get_allfees");
+        hand_to_fee_import(screen);
         jobs.fees_pending = false;
       }
     }
@@ -544,7 +550,7 @@ void WebBrowser1_DocumentComplete(ImportScreen& screen) {
     form.SSTab1.SetTab(2);
     pre_parse_HTML(buffer);
     parse_HTML(buffer, status);
-    Call(screen, "get_allfees");
+    hand_to_fee_import(screen);
   }
   if (jobs.web_view_mode == 1 && jobs.import_pending) {
     download_auctions_2(screen);
@@ -671,7 +677,7 @@ void manual_import(ImportScreen& screen, const Text& title, ManualParser parser)
       Main(screen).SSTab1.SetTab(0);
       pre_parse_HTML(buffer);
       parse_HTML(buffer, status);
-      Call(screen, "get_allfees");
+      hand_to_fee_import(screen);
       break;
     case ManualParser::seller_dutch:
       parse_HTML(buffer, status);
@@ -758,6 +764,12 @@ void RegisterDownload(ImportScreen& screen) {
   reg("manual_import_auctions", manual_import_auctions);
   reg("Advanced_import_edit_mnu", show_advanced_edit);
   reg("save_parsed_data", save_parsed_data);
+  // The fee commands are accounting's; the job flag they set is the fetch's.
+  r.Register("set_fees_pending", [s] {
+    s->jobs.import_cancelled = false;
+    s->jobs.ClearFlags();
+    s->jobs.fees_pending = true;
+  });
   struct Manual {
     const char* menu;
     const char16_t* title;

@@ -17,10 +17,17 @@ namespace lw::testing {
 class LoopbackHttpServer {
  public:
   // `args` go to the server after --root.
-  explicit LoopbackHttpServer(const std::string& root, std::vector<std::string> args = {}) {
-    std::vector<std::string> argv = {"/usr/bin/python3",
-                                     std::string(LW_SOURCE_DIR) + "/tests/e2e/http_server.py", "--root", root,
-                                     "--watch-stdin"};
+  explicit LoopbackHttpServer(const std::string& root, std::vector<std::string> args = {})
+      : LoopbackHttpServer(Script{"http_server.py"}, Concat({"--root", root}, std::move(args))) {}
+
+  // Another server of tests/e2e that prints its port on a line of its own and stops when its standard
+  // input closes (--watch-stdin): the XML interface's api_server.py.
+  struct Script {
+    std::string name;
+  };
+  LoopbackHttpServer(const Script& script, std::vector<std::string> args) {
+    std::vector<std::string> argv = {
+        "/usr/bin/python3", std::string(LW_SOURCE_DIR) + "/tests/e2e/" + script.name, "--watch-stdin"};
     argv.insert(argv.end(), args.begin(), args.end());
     int out[2], in[2];
     if (pipe(out) != 0 || pipe(in) != 0) throw std::runtime_error("pipe failed");
@@ -80,6 +87,10 @@ class LoopbackHttpServer {
   }
 
  private:
+  static std::vector<std::string> Concat(std::vector<std::string> a, std::vector<std::string> b) {
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+  }
   pid_t pid_ = -1;
   int stdin_ = -1;
   int port_ = 0;

@@ -9,6 +9,7 @@
 
 #include "core/primitives/encoding.h"
 #include "platform/charset.h"
+#include "platform/xml_stylesheet.h"
 
 namespace lw {
 
@@ -179,7 +180,11 @@ void CurlWebBrowser::Load(size_t index) {
       HttpResponse response = session->Perform(request, control);
       arrival.url = response.url.empty() ? request.url : response.url;
       arrival.redirected = arrival.url != request.url;
-      arrival.document = HtmlDocument::Parse(DecodePage(response.body, response.content_type));
+      // A page of XML that names a stylesheet is shown as the page the stylesheet makes of it.
+      if (auto styled = ApplyXmlStylesheet(response.body, arrival.url))
+        arrival.document = HtmlDocument::Parse(DecodePage(styled->bytes, styled->content_type));
+      else
+        arrival.document = HtmlDocument::Parse(DecodePage(response.body, response.content_type));
     } catch (const RuntimeError& e) {
       arrival.error = e.number();
       arrival.url = kNavigationErrorPage + request.url;

@@ -1,4 +1,4 @@
-// Toolbars, the list bar, the tab strip, the status bar, the tree view and the web view's place.
+// Toolbars, the list bar, the tab strip, the status bar and the web view's place.
 #include "core/primitives/encoding.h"
 #include "screen/control.h"
 #include "screen/form.h"
@@ -284,81 +284,6 @@ std::optional<Text> StatusBar::Property(TextView name, const std::vector<Text>& 
     return panels_[number - 1];
   }
   if ((n == u"text" || n == u"caption") && args.empty()) return Panels() > 0 ? panels_[0] : Text();
-  return Control::Property(name, args);
-}
-
-// ---- Tree view
-
-int TreeView::AddNode(int parent, const Text& key, const Text& text) {
-  if (parent < -1 || parent >= NodeCount()) throw RuntimeError(35601, "Element not found");
-  if (!key.empty() && FindKey(key) >= 0) throw RuntimeError(35602, "Key is not unique in collection");
-  Node node;
-  node.key = key;
-  node.text = text;
-  node.parent = parent;
-  nodes_.push_back(std::move(node));
-  Changed(change::kItems);
-  return NodeCount() - 1;
-}
-
-void TreeView::Clear() {
-  nodes_.clear();
-  selected_ = -1;
-  Changed(change::kItems | change::kSelection);
-}
-
-TreeView::Node& TreeView::node(int at) {
-  if (at < 0 || at >= NodeCount()) throw RuntimeError(35600, "Index out of bounds");
-  Changed(change::kItems);
-  return nodes_[at];
-}
-
-const TreeView::Node& TreeView::node(int at) const {
-  if (at < 0 || at >= NodeCount()) throw RuntimeError(35600, "Index out of bounds");
-  return nodes_[at];
-}
-
-int TreeView::FindKey(TextView key) const {
-  for (int i = 0; i < NodeCount(); ++i)
-    if (nodes_[i].key == key) return i;
-  return -1;
-}
-
-void TreeView::Select(int at) {
-  if (at < -1 || at >= NodeCount()) throw RuntimeError(35600, "Index out of bounds");
-  if (selected_ == at) return;
-  selected_ = at;
-  Changed(change::kSelection);
-}
-
-void TreeView::UserClick(const Text* argument) {
-  if (!argument) return Control::UserClick(nullptr);
-  RequireReachable("click");
-  int at = FindKey(*argument);
-  if (at < 0)
-    for (int i = 0; i < NodeCount() && at < 0; ++i)
-      if (nodes_[i].text == *argument) at = i;
-  if (at < 0) throw UserError(ToUtf8(Reference()) + " has no node \"" + ToUtf8(*argument) + "\"");
-  // A node under a collapsed parent is not on show.
-  for (int p = nodes_[at].parent; p >= 0; p = nodes_[p].parent)
-    if (!nodes_[p].expanded)
-      throw UserRefused("node \"" + ToUtf8(*argument) + "\" is inside a collapsed node");
-  form().SetFocus(this);
-  if (selected_ != at) {
-    selected_ = at;
-    Changed(change::kSelection);
-  }
-  if (OnNodeClick) OnNodeClick(at);
-  Fire(OnClick);
-}
-
-std::optional<Text> TreeView::Property(TextView name, const std::vector<Text>& args) const {
-  const Text n = FoldName(name);
-  if (args.empty()) {
-    if (n == u"nodes") return IntText(NodeCount());
-    if (n == u"text") return selected_ >= 0 ? nodes_[selected_].text : Text();
-    if (n == u"selectedkey") return selected_ >= 0 ? nodes_[selected_].key : Text();
-  }
   return Control::Property(name, args);
 }
 

@@ -471,37 +471,6 @@ class StatusBar : public Control {
   std::vector<Text> panels_;
 };
 
-// A tree of nodes with keys; the selected node is the current one.
-class TreeView : public Control {
- public:
-  struct Node {
-    Text key;
-    Text text;
-    int parent = -1;
-    Text tag;
-    bool expanded = false;
-  };
-  TreeView(Form& form, Text name, int index = -1)
-      : Control(form, ControlKind::TreeView, std::move(name), index) {}
-  // Adds a node under `parent` (-1 for a root); returns its index. A duplicate key raises 35602.
-  int AddNode(int parent, const Text& key, const Text& text);
-  void Clear();
-  int NodeCount() const { return static_cast<int>(nodes_.size()); }
-  Node& node(int at);
-  const Node& node(int at) const;
-  int FindKey(TextView key) const;
-  int selected() const { return selected_; }
-  void Select(int at);
-  std::function<void(int node)> OnNodeClick;
-  // The argument is a node's key or text.
-  void UserClick(const Text* argument) override;
-  std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;
-
- private:
-  std::vector<Node> nodes_;
-  int selected_ = -1;
-};
-
 // The place of the web view on a form. The web view itself is the front end's (the platform's headless
 // one under the driver, the desktop's own in a window): the program hands it addresses through
 // `navigator`, and the web view reports back through this control, which keeps the address, the title

@@ -283,22 +283,5 @@ TEST(Bars, ToolbarListBarTabStripAndStatusBar) {
   EXPECT_EQ(status.Property(u"panel", {u"1"}), Text(u"Records Returned: 3"));
 }
 
-TEST(TreeViews, KeysAreUniqueAndCollapsedNodesAreOutOfReach) {
-  TestScreen t;
-  auto& tree = t.form.Add<TreeView>(u"ctTreeView1");
-  int root = tree.AddNode(-1, u"r", u"Reports");
-  tree.AddNode(root, u"sales", u"Sales");
-  EXPECT_THROW(tree.AddNode(root, u"sales", u"Again"), RuntimeError);
-  EXPECT_THROW(tree.AddNode(9, u"x", u"x"), RuntimeError);
-  Text sales = u"Sales";
-  EXPECT_THROW(tree.UserClick(&sales), UserRefused);
-  tree.node(root).expanded = true;
-  int clicked = -1;
-  tree.OnNodeClick = [&](int n) { clicked = n; };
-  tree.UserClick(&sales);
-  EXPECT_EQ(clicked, 1);
-  EXPECT_EQ(tree.Property(u"selectedkey", {}), Text(u"sales"));
-}
-
 }  // namespace
 }  // namespace lw

@@ -173,6 +173,35 @@ TEST_F(Bound, GridShowsTheCursorRowsAndARowClickMovesTheRecord) {
   EXPECT_EQ(grid.column(0).width, -1);
 }
 
+TEST_F(Bound, ACellTypedIntoAnOpenGridGoesToItsRow) {
+  auto& grid = t_.form.Add<Grid>(u"seller_grid");
+  grid.AddColumn(u"Bulk List", u"Bulk_list");
+  grid.AddColumn(u"Title", u"Title");
+  grid.AddColumn(u"Price", u"Price");
+  grid.SetDataSource(source_);
+  source_->Refresh();
+  EXPECT_THROW(grid.UserEditCell(1, 1, u"Tall Vase"), UserRefused);  // not open for updating
+  grid.allow_updates = true;
+  grid.column(2).locked = true;
+  EXPECT_THROW(grid.UserEditCell(1, 2, u"9"), UserRefused);
+  grid.column(0).visible = false;
+  EXPECT_THROW(grid.UserEditCell(1, 0, u"True"), UserRefused);
+  grid.column(0).visible = true;
+  EXPECT_THROW(grid.UserEditCell(3, 1, u"x"), UserError);
+
+  grid.UserEditCell(1, 1, u"Tall Vase");
+  grid.UserEditCell(2, 0, u"True");
+  EXPECT_EQ(Stored(u"2"), u"Tall Vase");
+  EXPECT_EQ(grid.Cell(2, 0), u"True");
+  EXPECT_EQ(grid.row(), 2);
+  EXPECT_EQ(title_->text(), u"Clock");  // the bound controls show the row edited
+  // A value the column can't hold changes nothing.
+  grid.column(2).locked = false;
+  EXPECT_THROW(grid.UserEditCell(0, 2, u"cheap"), RuntimeError);
+  EXPECT_EQ(grid.Cell(0, 2), u"12.5");
+  EXPECT_FALSE(source_->recordset().EditInProgress());
+}
+
 TEST_F(Bound, ANewRowIsTypedIntoTheBoundControlsAndSavedOrDropped) {
   source_->Refresh();
   source_->MoveLast();

@@ -8,6 +8,7 @@
 #include "screen/names.h"
 #include "screen/property_args.h"
 #include "screen/screen.h"
+#include "screen/tree_view.h"
 
 namespace lw {
 

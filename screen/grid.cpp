@@ -270,6 +270,38 @@ void Grid::UserResizeColumn(int col, int width) {
   if (OnColResize) OnColResize(col);
 }
 
+void Grid::UserEditCell(int row, int col, const Text& value) {
+  RequireReachable("edit a cell of");
+  if (row < 0 || row >= RowCount())
+    throw UserError("grid " + ToUtf8(Reference()) + " has no row " + std::to_string(row));
+  if (col < 0 || col >= ColumnCount())
+    throw UserError("grid " + ToUtf8(Reference()) + " has no column " + std::to_string(col));
+  if (!allow_updates) throw UserRefused("grid " + ToUtf8(Reference()) + " is not open for updating");
+  const Column& c = columns[col];
+  if (!c.visible || c.locked)
+    throw UserRefused("column " + std::to_string(col) + " is " + (c.visible ? "locked" : "hidden"));
+  form().SetFocus(this);
+  SetRow(row);
+  SetCol(col);
+  if (DataControl* source = data_source()) {
+    if (!c.data_field.empty()) {
+      Recordset& rs = source->recordset();
+      rs.Edit();
+      try {
+        rs.SetField(c.data_field, value.empty() ? Variant() : Variant(value));
+        rs.Update();
+      } catch (...) {
+        rs.CancelUpdate();
+        throw;
+      }
+      source->Reposition();
+    }
+  } else {
+    SetCell(row, col, value);
+  }
+  if (OnAfterColUpdate) OnAfterColUpdate(col);
+}
+
 std::optional<Text> Grid::Property(TextView name, const std::vector<Text>& args) const {
   const Text n = FoldName(name);
   if (args.empty()) {

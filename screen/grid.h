@@ -73,6 +73,11 @@ class Grid : public Control {
   void UserRow(int row);
   // `resize grid N WIDTH`: the user drags the right border of heading N to WIDTH twips.
   void UserResizeColumn(int col, int width);
+  // `edit grid ROW COL VALUE`: the user types VALUE into a cell (a tick box takes True or False). A bound
+  // grid makes that row current and writes the value to its field at once; refused while the grid is
+  // not open for updating, or the column is locked or hidden. OnAfterColUpdate follows with the column.
+  void UserEditCell(int row, int col, const Text& value);
+  std::function<void(int col)> OnAfterColUpdate;
   std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;
 
  private:

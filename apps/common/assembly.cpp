@@ -4,8 +4,11 @@
 
 #include <system_error>
 
+#include "accounting/charges_screen.h"
+#include "accounting/fees_screen.h"
 #include "core/store/store.h"
 #include "import/import_screen.h"
+#include "listing/listing_screen.h"
 #include "screen/main/startup.h"
 
 namespace lw {
@@ -56,6 +59,9 @@ void Assembly::Exit() {
 void RegisterSubsystems(Program& program) {
   // Each subsystem above the screen adds its Register...(program) call here.
   RegisterImport(program);
+  RegisterCharges(program);
+  RegisterFees(program);
+  RegisterListing(program);
 }
 
 }  // namespace lw

@@ -60,7 +60,8 @@ const std::vector<Text>& GridModel::Row(int row) const {
 QVariant GridModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid() || index.row() >= rows_ || index.column() >= columns_) return {};
   switch (role) {
-    case Qt::DisplayRole: {
+    case Qt::DisplayRole:
+    case Qt::EditRole: {
       const auto& cells = Row(index.row());
       return index.column() < static_cast<int>(cells.size()) ? Q(cells[index.column()]) : QString();
     }
@@ -81,6 +82,19 @@ QVariant GridModel::headerData(int section, Qt::Orientation orientation, int rol
     return tip.empty() ? QVariant() : QVariant(Q(tip));
   }
   return {};
+}
+
+Qt::ItemFlags GridModel::flags(const QModelIndex& index) const {
+  Qt::ItemFlags f = QAbstractTableModel::flags(index);
+  if (!index.isValid() || index.column() >= grid_.ColumnCount() || !grid_.allow_updates) return f;
+  const Grid::Column& c = grid_.columns[index.column()];
+  return c.visible && !c.locked ? f | Qt::ItemIsEditable : f;
+}
+
+bool GridModel::setData(const QModelIndex& index, const QVariant& value, int role) {
+  if (role != Qt::EditRole || !index.isValid() || !on_edit) return false;
+  on_edit(index.row(), index.column(), FromQ(value.toString()));
+  return true;
 }
 
 void GridModel::RowsChanged() {
@@ -113,7 +127,11 @@ class GridView : public ControlView {
     table_->setModel(model_.get());
     table_->setSelectionBehavior(QAbstractItemView::SelectRows);
     table_->setSelectionMode(QAbstractItemView::SingleSelection);
-    table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    // Only cells the model lets the user type into open an editor (see GridModel::flags).
+    table_->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
+    model_->on_edit = [this](int row, int col, const Text& value) {
+      UserAction([this, row, col, value] { grid_.UserEditCell(row, col, value); });
+    };
     table_->setWordWrap(false);
     table_->verticalHeader()->hide();
     table_->verticalHeader()->setDefaultSectionSize(table_->fontMetrics().height() + 6);

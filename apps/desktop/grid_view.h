@@ -4,6 +4,7 @@
 
 #include <QAbstractTableModel>
 
+#include <functional>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -23,6 +24,11 @@ class GridModel : public QAbstractTableModel {
   int columnCount(const QModelIndex& parent = QModelIndex()) const override;
   QVariant data(const QModelIndex& index, int role) const override;
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+  // A cell takes typing where the model's grid would: open for updating, its column shown and unlocked.
+  Qt::ItemFlags flags(const QModelIndex& index) const override;
+  // What the user typed into a cell goes to `on_edit`, which hands it to the model's grid.
+  bool setData(const QModelIndex& index, const QVariant& value, int role) override;
+  std::function<void(int row, int col, const Text& value)> on_edit;
 
   // The rows changed: a new count starts the view afresh, the same count reads the rows on show again.
   void RowsChanged();

@@ -37,6 +37,7 @@
 #include "apps/desktop/web_view.h"
 #include "core/primitives/encoding.h"
 #include "screen/edits.h"
+#include "screen/tree_view.h"
 
 namespace lw::desktop {
 
@@ -953,17 +954,15 @@ class TreeWidgetView : public ControlView {
     widget_tree_->setHeaderHidden(true);
     QObject::connect(widget_tree_, &QTreeWidget::itemClicked, [this](QTreeWidgetItem* item, int) {
       const int node = item->data(0, Qt::UserRole).toInt();
-      if (node < 0 || node >= tree_.NodeCount()) return;
-      Text key = static_cast<const TreeView&>(tree_).node(node).key;
-      if (key.empty()) key = static_cast<const TreeView&>(tree_).node(node).text;
-      UserAction([this, key] { tree_.UserClick(&key); });
+      UserAction([this, node] { tree_.UserClickNode(node); });
     });
+    // The widget has opened or closed the item already; the model learns it without a notice back,
+    // which would rebuild the items under the user's hand.
     auto expand = [this](QTreeWidgetItem* item, bool open) {
       if (renderer_.syncing()) return;
       const int node = item->data(0, Qt::UserRole).toInt();
-      // Opening a node is the user's only; the model keeps whether it is open without telling.
-      if (node >= 0 && node < tree_.NodeCount()) nodes_open_[node] = open;
-      ApplyOpen();
+      renderer_.desktop().Dispatch(
+          [&] { renderer_.Quietly(control_, [&] { tree_.UserExpand(node, open); }); });
     };
     QObject::connect(widget_tree_, &QTreeWidget::itemExpanded,
                      [expand](QTreeWidgetItem* i) { expand(i, true); });
@@ -977,23 +976,12 @@ class TreeWidgetView : public ControlView {
   void Sync(unsigned changes) override {
     SyncCommon(changes);
     const TreeView& tree = tree_;
-    if (changes & change::kItems) {
-      const QSignalBlocker quiet(widget_tree_);
-      widget_tree_->clear();
-      items_.assign(tree.NodeCount(), nullptr);
-      for (int i = 0; i < tree.NodeCount(); ++i) {
-        const TreeView::Node& n = tree.node(i);
-        QTreeWidgetItem* parent = n.parent >= 0 && n.parent < i ? items_[n.parent] : nullptr;
-        auto* item = parent ? new QTreeWidgetItem(parent) : new QTreeWidgetItem(widget_tree_);
-        item->setText(0, Q(n.text));
-        item->setData(0, Qt::UserRole, i);
-        items_[i] = item;
-      }
-      for (int i = 0; i < tree.NodeCount(); ++i) items_[i]->setExpanded(tree.node(i).expanded);
-    }
+    // While the model holds back painting, thousands of items may be coming: rebuild once it is back.
+    widget_tree_->setUpdatesEnabled(tree.redraw());
+    if ((changes & change::kItems) && tree.redraw() && built_revision_ != tree.revision()) Rebuild();
     if (changes & (change::kItems | change::kSelection)) {
       const QSignalBlocker quiet(widget_tree_);
-      const int s = tree.selected();
+      const int s = tree.current();
       widget_tree_->setCurrentItem(s >= 0 && s < static_cast<int>(items_.size()) ? items_[s] : nullptr);
     }
   }
@@ -1001,25 +989,48 @@ class TreeWidgetView : public ControlView {
     ControlView::Check(problems);
     const TreeView& tree = tree_;
     if (static_cast<int>(items_.size()) != tree.NodeCount()) {
-      Report(problems, "shows another number of nodes");
+      Report(problems, "shows another number of items");
       return;
     }
-    for (int i = 0; i < tree.NodeCount(); ++i)
-      if (items_[i]->text(0) != Q(tree.node(i).text))
-        Report(problems, "node " + std::to_string(i) + " differs");
+    for (int i = 0; i < tree.NodeCount(); ++i) {
+      const TreeView::Node& n = tree.node(i);
+      const QTreeWidgetItem* parent = items_[i]->parent();
+      const int shown_parent = parent ? parent->data(0, Qt::UserRole).toInt() : -1;
+      if (items_[i]->text(0) != Q(n.text) || shown_parent != n.parent)
+        Report(problems, "item " + std::to_string(i) + " differs");
+    }
   }
 
  private:
-  // Writes what the user opened into the model's nodes without a change notice of its own.
-  void ApplyOpen() {
-    for (auto [node, open] : nodes_open_)
-      renderer_.Quietly(control_, [this, node = node, open = open] { tree_.node(node).expanded = open; });
-    nodes_open_.clear();
+  // Builds the items in the order the model shows siblings, each opened as the model has it.
+  void Rebuild() {
+    const TreeView& tree = tree_;
+    const QSignalBlocker quiet(widget_tree_);
+    widget_tree_->clear();
+    items_.assign(tree.NodeCount(), nullptr);
+    std::vector<std::pair<int, QTreeWidgetItem*>> pending;
+    for (auto it = tree.Roots().rbegin(); it != tree.Roots().rend(); ++it) pending.emplace_back(*it, nullptr);
+    QList<QTreeWidgetItem*> tops;
+    while (!pending.empty()) {
+      auto [at, parent] = pending.back();
+      pending.pop_back();
+      const TreeView::Node& n = tree.node(at);
+      auto* item = parent ? new QTreeWidgetItem(parent) : new QTreeWidgetItem;
+      if (!parent) tops.append(item);
+      item->setText(0, Q(n.text));
+      item->setData(0, Qt::UserRole, at);
+      items_[at] = item;
+      for (auto c = n.children.rbegin(); c != n.children.rend(); ++c) pending.emplace_back(*c, item);
+    }
+    widget_tree_->addTopLevelItems(tops);
+    for (int i = 0; i < tree.NodeCount(); ++i)
+      if (items_[i]) items_[i]->setExpanded(tree.node(i).expanded);
+    built_revision_ = tree.revision();
   }
   TreeView& tree_;
   QTreeWidget* widget_tree_;
   std::vector<QTreeWidgetItem*> items_;
-  std::map<int, bool> nodes_open_;
+  uint64_t built_revision_ = ~uint64_t{0};
 };
 
 // ---- Menus: an action, with a menu of its own when it has entries

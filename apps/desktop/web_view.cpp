@@ -1,5 +1,6 @@
 #include "apps/desktop/web_view.h"
 
+#include <QFile>
 #include <QLayout>
 #include <QUrl>
 #include <QWebEngineLoadingInfo>
@@ -11,6 +12,7 @@
 #include "apps/desktop/qt_convert.h"
 #include "core/primitives/encoding.h"
 #include "platform/web_browser.h"
+#include "platform/xml_stylesheet.h"
 #include "screen/control.h"
 
 namespace lw::desktop {
@@ -64,7 +66,20 @@ void WebView::Make() {
 void WebView::Navigate(const Text& address) {
   Make();
   control_.busy = true;
-  view_->load(AddressUrl(address));
+  const QUrl url = AddressUrl(address);
+  styled_file_.clear();
+  if (url.isLocalFile()) {
+    QFile file(url.toLocalFile());
+    if (file.open(QIODevice::ReadOnly)) {
+      const QByteArray bytes = file.readAll();
+      if (auto styled = ApplyXmlStylesheet(bytes.toStdString(), url.toString().toStdString())) {
+        styled_file_ = url.toString();
+        view_->setContent(QByteArray::fromStdString(styled->bytes), Q(FromUtf8(styled->content_type)), url);
+        return;
+      }
+    }
+  }
+  view_->load(url);
 }
 
 void WebView::OnLoading(const QWebEngineLoadingInfo& info) {
@@ -79,7 +94,10 @@ void WebView::OnLoading(const QWebEngineLoadingInfo& info) {
       break;
   }
   const uint64_t serial = navigation_;
-  const QString url = info.url().toString();
+  // A styled page was handed over as content: it stands at its file's address.
+  const QString url = !styled_file_.isEmpty() && info.url().scheme() == QLatin1String("data")
+                          ? styled_file_
+                          : info.url().toString();
   if (info.status() == QWebEngineLoadingInfo::LoadFailedStatus) {
     // As the headless view does: the error page's address and a page that says why.
     const Text where = FromUtf8(kNavigationErrorPage) + FromQ(url);

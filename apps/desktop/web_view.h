@@ -29,7 +29,8 @@ class WebView {
   WebView(const WebView&) = delete;
   WebView& operator=(const WebView&) = delete;
 
-  // Loads an address (http, https, file, or a path of the file system).
+  // Loads an address (http, https, file, or a path of the file system). A file of XML that names a
+  // stylesheet shows the page the stylesheet makes of it, as the headless view does.
   void Navigate(const Text& address);
   // Shows the view in its place on the form; the view itself is made at the first address.
   void PutInto(QWidget* place);
@@ -49,6 +50,8 @@ class WebView {
   QPointer<QWebEngineView> view_;
   uint64_t navigation_ = 0;  // counts loads, so that a late report of an earlier one is dropped
   uint64_t pages_complete_ = 0;
+  // The file whose styled page is on show: the page itself came as content, without an address.
+  QString styled_file_;
 };
 
 }  // namespace lw::desktop

@@ -327,6 +327,15 @@ void Driver::Dispatch(const std::vector<Text>& words) {
       throw UserError("resize takes a column number from 0 and a width in twips");
     return grid->UserResizeColumn(col, width);
   }
+  if (cmd == u"edit") {
+    if (n != 4) throw Usage("edit GRID ROW COLUMN VALUE");
+    auto* grid = dynamic_cast<Grid*>(&ResolveControl(words[1]));
+    if (!grid) throw UserError(U8(words[1]) + " is not a grid");
+    int row = 0, col = 0;
+    if (!ParseInt(words[2], row) || !ParseInt(words[3], col))
+      throw UserError("edit takes a row and a column number from 0");
+    return grid->UserEditCell(row, col, words[4]);
+  }
   if (cmd == u"key") {
     if (n != 2) throw Usage("key REF KEY");
     return CmdKey(words[1], words[2]);

@@ -199,6 +199,12 @@ struct StoreState {
   std::unordered_map<Text, std::shared_ptr<const store::Fragment>> criteria;
   std::unordered_map<std::string, sqlite3_stmt*> statements;
   int64_t affected = 0;
+  // Open transaction levels; `abandoned` once a rollback (ours or the engine's) ended the transaction
+  // while levels were still open. `generation` counts rollbacks, so cursors stop trusting the row
+  // values they cached before one.
+  int depth = 0;
+  bool abandoned = false;
+  uint64_t generation = 0;
 
   ~StoreState() {
     for (auto& [sql, st] : statements) sqlite3_finalize(st);
@@ -275,6 +281,19 @@ struct StoreState {
     sqlite3_free(msg);
     if (rc != SQLITE_OK) FailFromEngine(rc);
   }
+
+  // After a failed statement: some failures (a full disk, an I/O error) make SQLite roll the whole
+  // transaction back, not just the statement.
+  void NoteFailure() {
+    if (depth > 0 && !abandoned && sqlite3_get_autocommit(db)) {
+      abandoned = true;
+      ++generation;
+    }
+  }
+
+  void CloseLevel() {
+    if (--depth == 0) abandoned = false;
+  }
 };
 
 namespace {
@@ -319,6 +338,7 @@ class StatementUse {
     int rc = sqlite3_step(st_);
     if (rc == SQLITE_ROW) return true;
     if (rc == SQLITE_DONE) return false;
+    s_.NoteFailure();
     s_.FailFromEngine(rc);
   }
 
@@ -398,6 +418,70 @@ void Database::Execute(TextView sql) {
   state_->affected = sqlite3_changes64(state_->db);
 }
 
+void Database::BeginTrans() {
+  StoreState& s = *state_;
+  if (s.depth == 0) s.Run("BEGIN");
+  ++s.depth;
+}
+
+void Database::CommitTrans() {
+  StoreState& s = *state_;
+  if (s.depth == 0) Fail(err::kNoTransaction, "Commit without a transaction begun.");
+  if (s.depth > 1 || s.abandoned) {
+    s.CloseLevel();
+    return;
+  }
+  int rc = sqlite3_exec(s.db, "COMMIT", nullptr, nullptr, nullptr);
+  if (rc == SQLITE_OK) {
+    s.CloseLevel();
+    return;
+  }
+  // A commit that cannot finish leaves nothing half done: roll back what is left, close every level.
+  std::string msg = sqlite3_errmsg(s.db);
+  if (!sqlite3_get_autocommit(s.db)) sqlite3_exec(s.db, "ROLLBACK", nullptr, nullptr, nullptr);
+  s.depth = 0;
+  s.abandoned = false;
+  ++s.generation;
+  Fail(err::kEngineFailure, "Disk or network error: the transaction could not be committed (" + msg + ")");
+}
+
+void Database::Rollback() {
+  StoreState& s = *state_;
+  if (s.depth == 0) Fail(err::kNoTransaction, "Rollback without a transaction begun.");
+  int rc = SQLITE_OK;
+  if (!s.abandoned) {
+    if (!sqlite3_get_autocommit(s.db)) rc = sqlite3_exec(s.db, "ROLLBACK", nullptr, nullptr, nullptr);
+    s.abandoned = true;
+    ++s.generation;
+  }
+  s.CloseLevel();
+  if (rc != SQLITE_OK) s.FailFromEngine(rc);
+}
+
+bool Database::InTransaction() const {
+  return state_->depth > 0 && !state_->abandoned;
+}
+
+StoreTransaction::StoreTransaction(Database& db) : db_(db) {
+  db_.BeginTrans();
+}
+
+StoreTransaction::~StoreTransaction() {
+  if (!open_) return;
+  try {
+    db_.Rollback();
+  } catch (const RuntimeError&) {
+    // Nothing to tell from a destructor; SQLite rolls an unfinished transaction back when the store
+    // closes anyway.
+  }
+}
+
+void StoreTransaction::Commit() {
+  if (!open_) Fail(err::kNoTransaction, "Commit of a transaction already ended.");
+  open_ = false;
+  db_.CommitTrans();
+}
+
 int64_t Database::RecordsAffected() const {
   return state_->affected;
 }
@@ -439,6 +523,7 @@ struct Recordset::Impl {
   std::optional<RecordBookmark> last_modified;
 
   mutable int64_t cached_pos = -1;
+  mutable uint64_t cached_generation = 0;  // the store's rollback count when `cached` was read
   mutable std::vector<Variant> cached;
 
   enum class Mode { None, Add, Edit } mode = Mode::None;
@@ -483,7 +568,7 @@ struct Recordset::Impl {
     if (on_deleted) Fail(kRecordDeleted, "Record is deleted.");
     if (Eof() || Bof()) Fail(err::kNoCurrentRecord, "No current record.");
     if (!keyed()) return rows[static_cast<size_t>(pos)];
-    if (cached_pos == pos) return cached;
+    if (cached_pos == pos && cached_generation == st->generation) return cached;
     StatementUse q(*st, tr->row_sql);
     q.Bind(tr->select_params, literals);
     for (size_t t = 0; t < stride; ++t) q.BindOne(keys[static_cast<size_t>(pos) * stride + t]);
@@ -492,6 +577,7 @@ struct Recordset::Impl {
     for (size_t i = 0; i < tr->outputs.size(); ++i)
       cached.push_back(ColumnVariant(q.get(), static_cast<int>(i), tr->outputs[i].kind));
     cached_pos = pos;
+    cached_generation = st->generation;
     return cached;
   }
 
@@ -802,6 +888,7 @@ void Recordset::Update() {
       m.mode = Impl::Mode::None;
       m.cached = std::move(m.buffer);
       m.cached_pos = m.pos;
+      m.cached_generation = m.st->generation;
       return;
     }
   }

@@ -23,8 +23,10 @@
 //   3251  FindFirst on a computed cursor (groups, aggregates, DISTINCT)
 //   3020  Update or CancelUpdate without AddNew or Edit
 //   3027  a change through a read-only cursor (joins, groups, aggregates)
+//   3034  CommitTrans or Rollback with no transaction begun
 //   3043  any other failure of the engine (disk full, file locked, read-only file)
-// A statement that fails changes nothing.
+// A statement that fails changes nothing; inside a transaction the earlier statements of the
+// transaction stay.
 #pragma once
 
 #include <cstdint>
@@ -44,6 +46,7 @@ inline constexpr int kCriteriaTypeMismatch = 3464;
 inline constexpr int kUpdateWithoutEdit = 3020;
 inline constexpr int kReadOnly = 3027;
 inline constexpr int kEngineFailure = 3043;
+inline constexpr int kNoTransaction = 3034;
 }  // namespace err
 
 class Recordset;
@@ -67,7 +70,8 @@ class Database {
   // Runs a query; the cursor stands on the first row (or is at EOF and BOF when there is none).
   // Single-table queries give updatable cursors; joins, groups, aggregates and DISTINCT read-only ones.
   std::unique_ptr<Recordset> OpenRecordset(TextView sql);
-  // Runs a change (UPDATE, INSERT INTO, DELETE [*] FROM) in a transaction of its own.
+  // Runs a change (UPDATE, INSERT INTO, DELETE [*] FROM): in a transaction of its own, or as part of
+  // the open transaction.
   void Execute(TextView sql);
   // Rows touched by the last Execute.
   int64_t RecordsAffected() const;
@@ -77,12 +81,49 @@ class Database {
   std::vector<Text> TableColumns(TextView table) const;
   bool HasColumn(TextView table, TextView column) const;
 
+  // Transactions. While one is open, Execute and the cursors' Update and Delete take part in it
+  // instead of committing on their own, and every cursor of this store sees its changes.
+  //
+  // Begins nest by depth and only the outermost level talks to SQLite: an inner CommitTrans just
+  // closes its level, the outermost one commits everything. A Rollback at any depth rolls the whole
+  // transaction back at once; the levels still open then have nothing left to commit, so their
+  // CommitTrans and Rollback only close them, and statements run before the outermost level closes
+  // commit on their own. The same holds when the engine itself abandons the transaction (a full disk,
+  // an I/O error): the failing statement raises, the rest of the transaction is gone.
+  //
+  // A rollback does not move cursors: rows a cursor added in the transaction read as deleted (3167)
+  // and other rows read as the store now holds them; Requery to see the store's rows afresh.
+  // CommitTrans and Rollback with no level open raise 3034. A commit the engine refuses rolls back,
+  // closes every level and raises 3043. Closing the store rolls back a transaction left open.
+  void BeginTrans();
+  void CommitTrans();
+  void Rollback();
+  // True while a transaction is open and has not been rolled back.
+  bool InTransaction() const;
+
   const std::filesystem::path& path() const;
   const Regional& regional() const;
 
  private:
   Database();
   std::shared_ptr<StoreState> state_;
+};
+
+// One level of a store transaction for the length of a scope: begins on construction; Commit() closes
+// the level keeping its work; leaving the scope without Commit() (a return on an error path, an
+// exception) rolls the whole transaction back. The Database must outlive it.
+class StoreTransaction {
+ public:
+  explicit StoreTransaction(Database& db);
+  ~StoreTransaction();
+  StoreTransaction(const StoreTransaction&) = delete;
+  StoreTransaction& operator=(const StoreTransaction&) = delete;
+
+  void Commit();
+
+ private:
+  Database& db_;
+  bool open_ = true;
 };
 
 // A cursor on the result of a query. Rows are fetched on demand: the cursor keeps only the keys of its

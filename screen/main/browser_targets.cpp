@@ -15,15 +15,15 @@ Text Root(const Settings& s, const char* key) {
   return FromUtf8(BaseUrlFor(s, key));
 }
 
+}  // namespace
+
 // The account host is kept in the misc row as a bare host ("cgi3.ebay.com") or as a full address
 // ending in a slash; the page's path follows it directly.
-Text FeesRoot(Text host) {
+Text AccountPageAddress(Text host, const Text& userid, const Text& password, TextView tail) {
   if (host.find(u"://") == Text::npos) host = u"http://" + host;
   if (host.back() != u'/') host += u'/';
-  return host;
+  return host + u"ebayISAPI.dll?ViewAccount&userid=" + userid + u"&pass=" + password + Text(tail);
 }
-
-}  // namespace
 
 BrowserPlace ResolveBrowserTarget(const std::array<bool, kBrowserTargetCount>& flags, const BrowserContext& c,
                                   const Settings& s) {
@@ -82,9 +82,7 @@ BrowserPlace ResolveBrowserTarget(const std::array<bool, kBrowserTargetCount>& f
           u"Displaying MYeBay Page");
       break;
     case BrowserTarget::kAccount:
-      p.address = FeesRoot(c.servername_fees) + u"ebayISAPI.dll?ViewAccount&userid=" + u + u"&pass=" + pw +
-                  u"&acctpagetype=0&daysback=-1&startmonth=&startday=&startyear=&endmonth=&endday=&endyear=&"
-                  u"pagination=0";
+      p.address = AccountPageAddress(c.servername_fees, u, pw, kAccountSinceLastInvoice);
       p.status = Text(u"Displaying Account Page");
       break;
     case BrowserTarget::kSystemStatus:

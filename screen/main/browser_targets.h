@@ -29,6 +29,14 @@ struct BrowserPlace {
   std::optional<Text> status;  // nothing: the status bar is left alone
 };
 
+// The tail of the account page's address that asks for the fees since the last invoice.
+inline constexpr char16_t kAccountSinceLastInvoice[] =
+    u"&acctpagetype=0&daysback=-1&startmonth=&startday=&startyear=&endmonth=&endday=&endyear=&pagination=0";
+
+// The site's account page of a user id: the account host of the misc row, the page, and `tail`, which
+// chooses the period.
+Text AccountPageAddress(Text host, const Text& userid, const Text& password, TextView tail);
+
 // Picks the target from the flags and builds its address. An unknown site gives no address and the
 // browser status text, so the page is left where it was.
 BrowserPlace ResolveBrowserTarget(const std::array<bool, kBrowserTargetCount>& flags, const BrowserContext& c,

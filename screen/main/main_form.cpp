@@ -105,7 +105,7 @@ void MainForm::BuildControls() {
   Add<ComboBox>(u"field_lst").style = 2;
   Add<ComboBox>(u"compare_lst").style = 2;
   Add(ControlKind::TextBox, u"Filter_value_txt");
-  Add<ComboBox>(u"duration_lst").style = 2;
+  Add<ComboBox>(u"duration_lst", 1).style = 2;
   Add<ComboBox>(u"backup_lst").style = 2;
   Add(ControlKind::DateEdit, u"report_start_date");
   Add(ControlKind::DateEdit, u"report_end_date");
@@ -209,7 +209,8 @@ void MainForm::BuildControls() {
   // A column the user widens or narrows keeps its width for the next start.
   for (auto [grid, section] :
        {std::pair{&seller_grid, u"Sellergrid"}, std::pair{&buyer_grid, u"Buyergrid"}}) {
-    grid->OnColResize = [this, grid, section](int col) {
+    // Copied into the handler by name: clang before 16 cannot capture a structured binding.
+    grid->OnColResize = [this, grid = grid, section = section](int col) {
       program_->settings.SaveSetting(kAppKey, section, FromUtf8(std::to_string(col)),
                                      FromUtf8(std::to_string(grid->column(col).width)));
     };
@@ -384,7 +385,9 @@ void MainForm::add_remove_listbar_icons() {
 void MainForm::change_active_buttons() {
   bool s = IsSeller();
   for (const char* name : SidePairControls()) {
-    for (Control* c : Array(Str(name))) c->SetVisible(c->index() == (s ? 0 : 1));
+    // Members from index 2 on belong to pages of one side only (the Sell page) and are left alone.
+    for (Control* c : Array(Str(name)))
+      if (c->index() <= 1) c->SetVisible(c->index() == (s ? 0 : 1));
   }
   for (const char16_t* n : {u"seller_id_txt", u"seller_email_txt", u"seller_id_lbl", u"seller_email_lbl"})
     Find(n)->SetVisible(!s);

@@ -240,13 +240,6 @@ void remove_unsubmit_mnu(MainForm& f) {
   f.CallRoutine("sum_grid");
 }
 
-void remove_fees_mnu(MainForm& f) {
-  Text item = FieldText(f.seller.recordset(), u"Item");
-  Database& db = *f.seller.database();
-  for (const Text& statement : RemoveFeesStatements(item)) db.Execute(statement);
-  f.SetStatus(u"Fees Removed");
-}
-
 void purge(MainForm& f, const PurgeEntry& entry) {
   Ui& ui = f.ui();
   if (ui.MsgBox(kPurgeTitle, PurgeQuestion(entry.seller), MsgButtons::YesNo, MsgIcon::Question) !=
@@ -307,7 +300,6 @@ void RegisterRecords(MainForm& form) {
   reg("duplicate_auction_withid", duplicate_auction_withid);
   reg("relist_auction", relist_auction);
   reg("remove_unsubmit_mnu", remove_unsubmit_mnu);
-  reg("remove_fees_mnu", remove_fees_mnu);
   reg("update_ship_cost_mnu_1", update_ship_cost_mnu_1);
   reg("update_ship_cost_mnu", update_ship_cost_mnu);
 

@@ -156,7 +156,7 @@ void MainForm::FillFixedLists() {
   for (const char16_t* c : {u"=", u"like", u">", u"<"}) compare.AddItem(c);
   Auction_type_lst.AddItem(u"Seller");
   Auction_type_lst.AddItem(u"Bidder");
-  auto& duration = Get<ComboBox>(u"duration_lst");
+  auto& duration = Get<ComboBox>(u"duration_lst", 1);
   for (const char16_t* d : {u"3", u"5", u"7", u"10"}) duration.AddItem(d);
   for (const char16_t* s : kSellerStatuses) Auction_status_lst.AddItem(s);
   site_lst.AddItem(u"eBay");

@@ -1,0 +1,2 @@
+. "$LW_E2E_DIR/listing_api_recorded.sh"
+show_log

@@ -1,0 +1,1 @@
+. "$LW_E2E_DIR/listing_store.sh"
