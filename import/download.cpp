@@ -87,7 +87,8 @@ void WireTransports(ImportScreen& screen, DownloadState& state) {
   Program& p = Prog(screen);
   EventPort port = p.screen.queue().Port();
   if (!t.session) {
-    t.session = std::make_unique<HttpSession>();
+    if (!p.http_session) p.http_session = std::make_shared<HttpSession>();
+    t.session = p.http_session;
     // A server that never answers must not hold an import for ever; the user may shorten the wait.
     double seconds = Val(p.settings.GetSetting(u"Lotwright", u"Network", u"timeout", u"60"));
     if (seconds > 0) {
@@ -104,25 +105,15 @@ void WireTransports(ImportScreen& screen, DownloadState& state) {
   t.CIHTTP1->set_handlers(
       {[s] { CIHTTP1_Connected(*s); }, [s] { CIHTTP1_Done(*s); },
        [s](int number, const Text&) { Guarded(*s, [s, number] { CIHTTP1_Error(*s, number); }); }});
+  // The headless web view reports through the WebBrowser1 control, as a desktop one does.
   WebBrowser::Handlers browser;
-  browser.progress = [s](long long so_far, long long max) {
-    Control* meter = s->main().Find(u"ctMeter1");
-    if (!meter) return;
-    meter->SetVisible(so_far >= 0);
-    meter->SetValue(so_far > 0 && max > 0 ? static_cast<int>(so_far * 100 / max) : 0);
-  };
+  browser.progress = [s](long long so_far, long long max) { s->main().WebBrowser1.Progress(so_far, max); };
   browser.navigate_complete = [s](const std::string& url) {
-    BrowserControl& control = s->main().WebBrowser1;
-    control.location_url = FromUtf8(url);
-    control.document_title = transports(*s).WebBrowser1->Title();
-    Guarded(*s, [s, &control] { WebBrowser1_NavigateComplete(*s, control.location_url); });
+    s->main().WebBrowser1.NavigateComplete(FromUtf8(url), transports(*s).WebBrowser1->Title());
   };
   browser.document_complete = [s](const std::string& url) {
     WebBrowser& web = *transports(*s).WebBrowser1;
-    BrowserControl& control = s->main().WebBrowser1;
-    control.document_title = web.Title();
-    control.document_text = web.BodyOuterHtml();
-    control.DocumentComplete(FromUtf8(url));
+    s->main().WebBrowser1.DocumentComplete(FromUtf8(url), web.Title(), web.BodyOuterHtml());
   };
   t.WebBrowser1->set_handlers(std::move(browser));
 }
@@ -386,7 +377,7 @@ void download_auctions_2(ImportScreen& screen) {
   bool ebay = IsEbay(screen);
   if (jobs.web_view_mode == 1) {
     if (ebay) {
-      if (IsSeller(screen)) buffer.set_text(transports(screen).WebBrowser1->BodyOuterHtml());
+      if (IsSeller(screen)) buffer.set_text(Main(screen).WebBrowser1.document_text);
       // The seller's file even for a bidder, whose buffer is left as it was.
       buffer.SaveFile(Prog(screen).DbFile(u"\\last_good_ebay_seller_import.htm"), 1);
     }
@@ -537,10 +528,10 @@ void download_auctions(ImportScreen& screen) {
 void WebBrowser1_DocumentComplete(ImportScreen& screen) {
   MainForm& form = Main(screen);
   ImportJobs& jobs = screen.jobs;
-  WebBrowser& web = *transports(screen).WebBrowser1;
+  const BrowserControl& web = form.WebBrowser1;
   FileDisplay& buffer = screen.buffer;
   auto status = [&screen](const Text& t) { Status(screen, t); };
-  buffer.set_text(web.BodyOuterHtml());
+  buffer.set_text(web.document_text);
   capture_pass(screen);
   bool ebay = IsEbay(screen);
   Text type = form.Auction_type_lst.text();
@@ -568,7 +559,7 @@ void WebBrowser1_DocumentComplete(ImportScreen& screen) {
     }
     jobs.email_pending = false;
   }
-  if (jobs.seller_dutch_pending && web.Title() == kDutchTitle) {
+  if (jobs.seller_dutch_pending && web.document_title == kDutchTitle) {
     if (type == u"Seller" && ebay) {
       form.SSTab1.SetTab(2);
       parse_HTML(buffer, status);
@@ -589,7 +580,7 @@ void WebBrowser1_DocumentComplete(ImportScreen& screen) {
 void WebBrowser1_NavigateComplete(ImportScreen& screen, const Text& url) {
   MainForm& form = Main(screen);
   ImportJobs& jobs = screen.jobs;
-  const Text& title = transports(screen).WebBrowser1->Title();
+  const Text& title = form.WebBrowser1.document_title;
   if (url != u"http:///") {
     if (auto* combo = dynamic_cast<ComboBox*>(form.Find(u"ctCombo1"))) combo->AddItem(url);
   }
@@ -728,6 +719,15 @@ void RegisterDownload(ImportScreen& screen) {
   }
   form.WebBrowser1.OnDocumentComplete = [s](const Text&) {
     Guarded(*s, [s] { WebBrowser1_DocumentComplete(*s); });
+  };
+  form.WebBrowser1.OnNavigateComplete = [s](const Text& url) {
+    Guarded(*s, [s, &url] { WebBrowser1_NavigateComplete(*s, url); });
+  };
+  form.WebBrowser1.OnProgress = [s](long long so_far, long long max) {
+    Control* meter = s->main().Find(u"ctMeter1");
+    if (!meter) return;
+    meter->SetVisible(so_far >= 0);
+    meter->SetValue(so_far > 0 && max > 0 ? static_cast<int>(so_far * 100 / max) : 0);
   };
   auto* combo = dynamic_cast<ComboBox*>(form.Find(u"ctCombo1"));
   if (combo) {

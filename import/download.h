@@ -24,7 +24,7 @@ class WebBrowser;
 // The transports of the import, sharing one session (and so one sign-in). Made on libcurl at first
 // use; a front end with its own web view, or a test, may put its own in before the first command.
 struct Transports {
-  std::unique_ptr<HttpSession> session;
+  std::shared_ptr<HttpSession> session;  // the program's one session
   std::unique_ptr<Inet> Inet1;
   std::unique_ptr<AsyncHttp> CIHTTP1;
   std::unique_ptr<WebBrowser> WebBrowser1;

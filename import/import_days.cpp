@@ -50,6 +50,8 @@ ImportDaysForm::ImportDaysForm(Screen& screen, ImportJobs& jobs)
   high_bid_lbl.SetContainer(&bidder_frame);
   days_completed_lst_1.SetContainer(&bidder_frame);
   high_bid_only_lst.SetContainer(&bidder_frame);
+  completed_lbl.layout.field = &days_completed_lst_1;
+  high_bid_lbl.layout.field = &high_bid_only_lst;
   Add(ControlKind::Label, u"note_lbl")
       .SetCaption(u"Once you've signed in you must then choose update auctions again.");
   for (ComboBox* list : {&days_completed_lst, &days_completed_lst_1, &high_bid_only_lst}) list->style = 2;

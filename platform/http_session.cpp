@@ -6,6 +6,8 @@
 #include <curl/curl.h>
 
 #include <array>
+#include <cstdlib>
+#include <ctime>
 #include <mutex>
 
 #include "core/primitives/types.h"
@@ -133,6 +135,7 @@ HttpResponse HttpSession::Perform(const HttpRequest& request, const FetchControl
   }
 
   CURLcode rc = curl_easy_perform(c);
+  NoteCookies();
   if (rc != CURLE_OK) {
     std::string why = error[0] ? error.data() : curl_easy_strerror(rc);
     if (control.cancel && control.cancel->load()) why = "the transfer was cancelled";
@@ -163,6 +166,98 @@ void HttpSession::ClearCookies() {
   std::unique_ptr<CURL, EasyCloser> easy(curl_easy_init());
   curl_easy_setopt(easy.get(), CURLOPT_SHARE, share_->handle);
   curl_easy_setopt(easy.get(), CURLOPT_COOKIELIST, "ALL");
+}
+
+namespace {
+
+constexpr char kHttpOnlyPrefix[] = "#HttpOnly_";
+
+std::vector<std::string> SplitTabs(const std::string& line) {
+  std::vector<std::string> out;
+  size_t from = 0;
+  for (size_t tab; (tab = line.find('\t', from)) != std::string::npos; from = tab + 1)
+    out.push_back(line.substr(from, tab - from));
+  out.push_back(line.substr(from));
+  return out;
+}
+
+std::string CookieLine(const HttpCookie& c) {
+  std::string domain = c.domain;
+  bool subdomains = c.include_subdomains || (!domain.empty() && domain[0] == '.');
+  if (subdomains && !domain.empty() && domain[0] != '.') domain = "." + domain;
+  return std::string(c.http_only ? kHttpOnlyPrefix : "") + domain + "\t" + (subdomains ? "TRUE" : "FALSE") +
+         "\t" + (c.path.empty() ? "/" : c.path) + "\t" + (c.secure ? "TRUE" : "FALSE") + "\t" +
+         std::to_string(c.expires) + "\t" + c.name + "\t" + c.value;
+}
+
+}  // namespace
+
+std::vector<HttpCookie> HttpSession::Cookies() const {
+  std::vector<HttpCookie> out;
+  const std::string list = CookieList();
+  const long long now = static_cast<long long>(std::time(nullptr));
+  size_t from = 0;
+  while (from < list.size()) {
+    size_t end = list.find('\n', from);
+    if (end == std::string::npos) end = list.size();
+    std::string line = list.substr(from, end - from);
+    from = end + 1;
+    HttpCookie c;
+    if (line.rfind(kHttpOnlyPrefix, 0) == 0) {
+      c.http_only = true;
+      line.erase(0, sizeof kHttpOnlyPrefix - 1);
+    }
+    auto f = SplitTabs(line);
+    if (f.size() != 7) continue;
+    c.domain = f[0];
+    c.include_subdomains = f[1] == "TRUE";
+    c.path = f[2];
+    c.secure = f[3] == "TRUE";
+    c.expires = std::strtoll(f[4].c_str(), nullptr, 10);
+    c.name = f[5];
+    c.value = f[6];
+    // An expired cookie is no longer sent; the engine keeps it listed until it next tidies up.
+    if (c.expires != 0 && c.expires < now) continue;
+    out.push_back(std::move(c));
+  }
+  return out;
+}
+
+void HttpSession::SetCookie(const HttpCookie& cookie) {
+  if (cookie.name.empty() || cookie.domain.empty()) return;
+  std::unique_ptr<CURL, EasyCloser> easy(curl_easy_init());
+  curl_easy_setopt(easy.get(), CURLOPT_SHARE, share_->handle);
+  curl_easy_setopt(easy.get(), CURLOPT_COOKIEFILE, "");
+  curl_easy_setopt(easy.get(), CURLOPT_COOKIELIST, CookieLine(cookie).c_str());
+  // A change made from outside is no news to the one who made it.
+  std::lock_guard lock(cookies_mutex_);
+  cookies_seen_ = CookieList();
+}
+
+void HttpSession::RemoveCookie(const HttpCookie& cookie) {
+  HttpCookie gone = cookie;
+  gone.value.clear();
+  gone.expires = 1;  // long past: the cookie engine drops it
+  SetCookie(gone);
+}
+
+void HttpSession::set_cookies_changed(std::function<void()> callback) {
+  std::lock_guard lock(cookies_mutex_);
+  cookies_changed_ = std::move(callback);
+  cookies_seen_ = CookieList();
+}
+
+void HttpSession::NoteCookies() const {
+  std::function<void()> tell;
+  {
+    std::lock_guard lock(cookies_mutex_);
+    if (!cookies_changed_) return;
+    std::string now = CookieList();
+    if (now == cookies_seen_) return;
+    cookies_seen_ = std::move(now);
+    tell = cookies_changed_;
+  }
+  tell();
 }
 
 std::string ResolveUrl(const std::string& base, const std::string& relative) {

@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 namespace lw {
 
@@ -36,6 +37,20 @@ struct FetchControl {
   std::function<bool()> connected;
 };
 
+// A cookie as the session keeps it. A domain with a leading dot, or `include_subdomains`, holds for the
+// hosts under it too; a cookie without a Domain attribute holds for its host alone.
+struct HttpCookie {
+  std::string domain;
+  bool include_subdomains = false;
+  std::string path = "/";
+  bool secure = false;
+  bool http_only = false;
+  long long expires = 0;  // seconds since 1970; 0 for a cookie that ends with the session
+  std::string name;
+  std::string value;
+  friend bool operator==(const HttpCookie&, const HttpCookie&) = default;
+};
+
 // Fetch failures carry libcurl's error number, the number the program reports to the user.
 inline constexpr int kCurlTimedOut = 28;
 inline constexpr int kCurlAborted = 42;
@@ -61,9 +76,22 @@ class HttpSession {
   std::string CookieList() const;
   void ClearCookies();
 
+  // The cookies held, one by one, so that another cookie store (a desktop web view's) can share them.
+  std::vector<HttpCookie> Cookies() const;
+  // Adds or replaces a cookie (same domain, path and name); an `expires` in the past removes it.
+  void SetCookie(const HttpCookie& cookie);
+  void RemoveCookie(const HttpCookie& cookie);
+  // Called after a fetch that changed the cookies held, on the thread that fetched; not for changes made
+  // through SetCookie or RemoveCookie.
+  void set_cookies_changed(std::function<void()> callback);
+
  private:
   struct Share;
+  void NoteCookies() const;
   std::unique_ptr<Share> share_;
+  mutable std::mutex cookies_mutex_;
+  mutable std::string cookies_seen_;  // the cookie list as last seen, to tell when a fetch changed it
+  std::function<void()> cookies_changed_;
   std::chrono::milliseconds timeout_{60000};
   std::chrono::milliseconds connect_timeout_{30000};
   std::string user_agent_ = "Mozilla/4.0 (compatible; Lotwright 4.01)";

@@ -22,11 +22,14 @@ int Toolbar::AddButton(const Text& caption, const Text& tooltip) {
   b.caption = caption;
   b.tooltip = tooltip;
   buttons_.push_back(std::move(b));
+  Changed(change::kItems);
   return ButtonCount();
 }
 
 Toolbar::Button& Toolbar::button(int number) {
   if (number < 1 || number > ButtonCount()) BadValue();
+  // The caller may change the button through the reference.
+  Changed(change::kItems);
   return buttons_[number - 1];
 }
 
@@ -79,6 +82,7 @@ std::optional<Text> Toolbar::Property(TextView name, const std::vector<Text>& ar
 
 int ListBar::AddGroup(const Text& caption) {
   groups_.push_back(Group{caption, {}});
+  Changed(change::kItems);
   return GroupCount() - 1;
 }
 
@@ -89,16 +93,19 @@ int ListBar::AddItem(int group, const Text& caption, const Text& tip, const Text
   item.tip = tip;
   item.key = key;
   items.push_back(std::move(item));
+  Changed(change::kItems);
   return static_cast<int>(items.size()) - 1;
 }
 
 void ListBar::Clear() {
   groups_.clear();
   current_group = 0;
+  Changed(change::kItems | change::kSelection);
 }
 
 ListBar::Group& ListBar::group(int at) {
   if (at < 0 || at >= GroupCount()) BadValue();
+  Changed(change::kItems);
   return groups_[at];
 }
 
@@ -132,7 +139,10 @@ void ListBar::ClickItem(const Text* argument, int button) {
   if (!groups_[g].items[i].enabled)
     throw UserRefused("cannot click \"" + ToUtf8(*argument) + "\" of " + ToUtf8(Reference()) +
                       ": it is disabled");
-  current_group = g;
+  if (current_group != g) {
+    current_group = g;
+    Changed(change::kSelection);
+  }
   if (OnItemClick) OnItemClick(g, i, button);
 }
 
@@ -170,11 +180,13 @@ std::optional<Text> ListBar::Property(TextView name, const std::vector<Text>& ar
 void TabStrip::SetTabs(int count) {
   if (count < 1) BadValue();
   pages_.resize(count);
+  Changed(change::kItems);
   if (tab_ >= count) SetTab(count - 1);
 }
 
 TabStrip::Page& TabStrip::page(int at) {
   if (at < 0 || at >= Tabs()) BadValue();
+  Changed(change::kItems);
   return pages_[at];
 }
 
@@ -188,6 +200,7 @@ void TabStrip::SetTab(int at) {
   if (at == tab_) return;
   int previous = tab_;
   tab_ = at;
+  Changed(change::kSelection);
   Control::SetValue(at);
   if (OnTabClick) OnTabClick(previous);
 }
@@ -237,6 +250,7 @@ std::optional<Text> TabStrip::Property(TextView name, const std::vector<Text>& a
 void StatusBar::SetPanels(int count) {
   if (count < 1) BadValue();
   panels_.resize(count);
+  Changed(change::kItems);
 }
 
 const Text& StatusBar::panel(int number) const {
@@ -246,7 +260,9 @@ const Text& StatusBar::panel(int number) const {
 
 void StatusBar::SetPanel(int number, const Text& text) {
   if (number < 1 || number > Panels()) BadValue();
+  if (panels_[number - 1] == text) return;
   panels_[number - 1] = text;
+  Changed(change::kText);
 }
 
 void StatusBar::UserClick(const Text* argument) {
@@ -279,9 +295,21 @@ void BrowserControl::Navigate(const Text& url) {
   if (navigator) navigator(*this, url);
 }
 
-void BrowserControl::DocumentComplete(const Text& url) {
+void BrowserControl::Progress(long long so_far, long long expected) {
+  if (OnProgress) OnProgress(so_far, expected);
+}
+
+void BrowserControl::NavigateComplete(const Text& url, const Text& title) {
+  location_url = url;
+  document_title = title;
+  if (OnNavigateComplete) OnNavigateComplete(url);
+}
+
+void BrowserControl::DocumentComplete(const Text& url, const Text& title, const Text& body_outer_html) {
   busy = false;
   location_url = url;
+  document_title = title;
+  document_text = body_outer_html;
   if (OnDocumentComplete) OnDocumentComplete(url);
 }
 

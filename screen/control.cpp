@@ -7,6 +7,7 @@
 #include "screen/data_control.h"
 #include "screen/form.h"
 #include "screen/names.h"
+#include "screen/screen.h"
 
 namespace lw {
 
@@ -127,9 +128,26 @@ bool Control::CaptionLike() const {
   }
 }
 
+void Control::Changed(unsigned changes) {
+  if (ScreenObserver* observer = form_->screen().observer()) observer->ControlChanged(*this, changes);
+}
+
+void Control::StoreText(const Text& text) {
+  if (text == text_) return;
+  text_ = text;
+  Changed(change::kText);
+}
+
+void Control::SetContainer(Control* container) {
+  if (container == container_) return;
+  container_ = container;
+  Changed(change::kPlace);
+}
+
 void Control::SetText(const Text& text) {
   if (text == text_) return;
   text_ = text;
+  Changed(change::kText);
   if (!loading_ && data_source_) data_changed_ = true;
   // Labels report a new caption too; buttons, frames and menus have no Change.
   if (TextLike() || kind_ == ControlKind::Label) Fire(OnChange);
@@ -141,6 +159,7 @@ void Control::SetValue(int value) {
       if (value < 0 || value > 2) throw RuntimeError(err::kInvalidPropertyValue, "Invalid property value");
       if (value == value_) return;
       value_ = value;
+      Changed(change::kValue);
       if (!loading_ && data_source_) data_changed_ = true;
       Fire(OnClick);
       return;
@@ -148,12 +167,15 @@ void Control::SetValue(int value) {
       int v = value != 0 ? kTrue : kFalse;
       if (v == value_) return;
       value_ = v;
+      Changed(change::kValue);
       if (v == kTrue) {
         // One selected option per container: the others of the group are cleared without events.
         for (const auto& other : form_->controls()) {
           if (other.get() != this && other->kind_ == ControlKind::OptionButton &&
-              other->container_ == container_)
+              other->container_ == container_ && other->value_ != kFalse) {
             other->value_ = kFalse;
+            other->Changed(change::kValue);
+          }
         }
         if (!loading_ && data_source_) data_changed_ = true;
         Fire(OnClick);
@@ -161,7 +183,9 @@ void Control::SetValue(int value) {
       return;
     }
     default:
+      if (value == value_) return;
       value_ = value;
+      Changed(change::kValue);
   }
 }
 
@@ -294,7 +318,7 @@ void Control::UserRightClick(const Text* argument) {
   if (OnMouseUp) OnMouseUp(kRightButton, 0);
 }
 
-void Control::UserKey(int key_code, int ascii) {
+void Control::UserKeyEvents(int& key_code, int& ascii) {
   RequireReachable("press a key in");
   form_->SetFocus(this);
   if (key_code) {
@@ -304,6 +328,10 @@ void Control::UserKey(int key_code, int ascii) {
   if (!ascii) return;
   if (form_->key_preview && form_->OnKeyPress) form_->OnKeyPress(ascii);
   if (ascii && OnKeyPress) OnKeyPress(ascii);
+}
+
+void Control::UserKey(int key_code, int ascii) {
+  UserKeyEvents(key_code, ascii);
   if (!ascii) return;
   if (kind_ == ControlKind::Button && (ascii == key::kEnter || ascii == u' ')) {
     Fire(OnClick);

@@ -18,6 +18,8 @@
 
 #include "core/primitives/regional.h"
 #include "core/primitives/types.h"
+#include "screen/layout_hint.h"
+#include "screen/screen_observer.h"
 
 namespace lw {
 
@@ -78,6 +80,16 @@ class UserRefused : public UserError {
   explicit UserRefused(const std::string& what) : UserError(what) {}
 };
 
+// The font a control shows its text in. An empty name and a size of 0 leave the front end's own.
+struct FontSpec {
+  Text name;
+  double size = 0;  // points
+  bool bold = false;
+  bool italic = false;
+  bool underline = false;
+  friend bool operator==(const FontSpec&, const FontSpec&) = default;
+};
+
 class Control {
  public:
   Control(Form& form, ControlKind kind, Text name, int index = -1);
@@ -107,19 +119,21 @@ class Control {
   virtual void SetValue(int value);
 
   bool visible() const { return visible_; }
-  virtual void SetVisible(bool visible) { visible_ = visible; }
+  virtual void SetVisible(bool visible) { SetFlag(visible_, visible); }
   bool enabled() const { return enabled_; }
-  virtual void SetEnabled(bool enabled) { enabled_ = enabled; }
+  virtual void SetEnabled(bool enabled) { SetFlag(enabled_, enabled); }
   // A locked text box shows its text but takes no typing.
   bool locked() const { return locked_; }
-  void SetLocked(bool locked) { locked_ = locked; }
+  void SetLocked(bool locked) { SetFlag(locked_, locked); }
 
   int32_t forecolor() const { return forecolor_; }
-  void SetForecolor(int32_t colour) { forecolor_ = colour; }
+  void SetForecolor(int32_t colour) { SetLook(forecolor_, colour); }
   int32_t backcolor() const { return backcolor_; }
-  void SetBackcolor(int32_t colour) { backcolor_ = colour; }
+  void SetBackcolor(int32_t colour) { SetLook(backcolor_, colour); }
   const Text& tooltip() const { return tooltip_; }
-  void SetTooltip(const Text& tip) { tooltip_ = tip; }
+  void SetTooltip(const Text& tip) { SetLook(tooltip_, tip); }
+  const FontSpec& font() const { return font_; }
+  void SetFont(const FontSpec& font) { SetLook(font_, font); }
   Text tag;
   // The typeface the control shows its text in; empty for the form's own.
   Text font_name;
@@ -130,7 +144,9 @@ class Control {
   // The frame or picture the control sits in; option buttons form a group per container. A control
   // whose container is disabled or hidden cannot be reached by the user.
   Control* container() const { return container_; }
-  void SetContainer(Control* container) { container_ = container; }
+  void SetContainer(Control* container);
+  // Where a front end that lays the form out itself should put the control; see layout_hint.h.
+  LayoutHint layout;
   // Visible and enabled, with every container up the chain, and (for menus) every parent menu.
   virtual bool Reachable() const;
 
@@ -171,6 +187,10 @@ class Control {
   // A key: `key_code` for KeyDown (0 for none), `ascii` for KeyPress (0 for none). A character that
   // survives KeyPress is typed into a text-like control.
   virtual void UserKey(int key_code, int ascii);
+  // The events of that key without its typing: KeyDown (the form's first when it previews keys), then
+  // KeyPress. Handlers swallow a key by setting it to 0; what survives is left in the arguments. A front
+  // end whose widgets type by themselves lets them type what survives.
+  void UserKeyEvents(int& key_code, int& ascii);
   virtual void UserLeave();
 
   // A property by name (case ignored) as the driver's `get` prints it, with the arguments written in
@@ -179,11 +199,15 @@ class Control {
   // a name the control does not have; UserError for a bad argument.
   virtual std::optional<Text> Property(TextView name, const std::vector<Text>& args) const;
 
+  // Tells the screen's observer, if there is one, that these parts (change:: bits) of the control
+  // changed. The setters do it themselves; code that changes a part it holds by reference need not.
+  void Changed(unsigned changes);
+
  protected:
   // Raises UserError when the user cannot reach the control.
   void RequireReachable(const char* action) const;
   // Sets the text without firing anything or marking data as changed.
-  void StoreText(const Text& text) { text_ = text; }
+  void StoreText(const Text& text);
   bool TextLike() const;
   bool CaptionLike() const;
   static void Fire(const std::function<void()>& handler) {
@@ -193,6 +217,17 @@ class Control {
   bool loading_ = false;
 
  private:
+  void SetFlag(bool& flag, bool on) {
+    if (flag == on) return;
+    flag = on;
+    Changed(change::kState);
+  }
+  template <class T>
+  void SetLook(T& part, const T& value) {
+    if (part == value) return;
+    part = value;
+    Changed(change::kLook);
+  }
   Form* form_;
   ControlKind kind_;
   Text name_;
@@ -205,6 +240,7 @@ class Control {
   int32_t forecolor_ = 0x000000;
   int32_t backcolor_ = 0xFFFFFF;
   Text tooltip_;
+  FontSpec font_;
   Control* container_ = nullptr;
   DataControl* data_source_ = nullptr;
   Text data_field_;
@@ -340,7 +376,10 @@ class Toolbar : public Control {
   // 1-based; raises 380 outside the toolbar.
   Button& button(int number);
   const Button& button(int number) const;
-  void ClearButtons() { buttons_.clear(); }
+  void ClearButtons() {
+    buttons_.clear();
+    Changed(change::kItems);
+  }
   std::function<void(int number)> OnButtonClick;
   // The argument is the button number or its caption.
   void UserClick(const Text* argument) override;
@@ -437,22 +476,31 @@ class StatusBar : public Control {
   std::vector<Text> panels_;
 };
 
-// The place of the web view on a form. The browser itself is the platform's lw::WebBrowser; the program
-// hands addresses to it through `navigator` and reports the page back with DocumentComplete. The
-// control keeps the address and what the page shows.
+// The place of the web view on a form. The web view itself is the front end's (the platform's headless
+// one under the driver, the desktop's own in a window): the program hands it addresses through
+// `navigator`, and the web view reports back through this control, which keeps the address, the title
+// and the body of the page on show, so the program reads what the user sees whichever web view runs.
 class BrowserControl : public Control {
  public:
   BrowserControl(Form& form, Text name, int index = -1)
       : Control(form, ControlKind::WebBrowser, std::move(name), index) {}
   Text location_url;
-  Text document_title;
-  Text document_text;  // the page as text, one cell a line
+  Text document_title;  // the page's title
+  Text document_text;   // the outer HTML of the page's body
   bool busy = false;
   std::function<void(BrowserControl& browser, const Text& url)> navigator;
   // Records the address and hands it to the navigator.
   void Navigate(const Text& url);
+
+  // Reports of the web view. Progress: bytes so far (-1 once the page is in) and bytes expected (0 when
+  // unknown). NavigateComplete: the address reached and the page's title. DocumentComplete: the page is
+  // whole, with its title and its body's outer HTML.
+  std::function<void(long long so_far, long long expected)> OnProgress;
+  std::function<void(const Text& url)> OnNavigateComplete;
   std::function<void(const Text& url)> OnDocumentComplete;
-  void DocumentComplete(const Text& url);
+  void Progress(long long so_far, long long expected);
+  void NavigateComplete(const Text& url, const Text& title);
+  void DocumentComplete(const Text& url, const Text& title, const Text& body_outer_html);
   std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;
 };
 

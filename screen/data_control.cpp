@@ -6,6 +6,7 @@
 #include "screen/form.h"
 #include "screen/grid.h"
 #include "screen/names.h"
+#include "screen/screen.h"
 
 namespace lw {
 
@@ -36,6 +37,7 @@ void DataControl::Refresh() {
   SaveIfDirty(kActionRefresh);
   auto fresh = database_->OpenRecordset(RecordSource);
   recordset_ = std::move(fresh);
+  TellGrids(change::kRows);
   Reposition();
 }
 
@@ -121,6 +123,7 @@ void DataControl::UpdateRecord() {
     throw;
   }
   for (Control* c : bound_) c->SetDataChanged(false);
+  TellGrids(change::kRows);
 }
 
 void DataControl::UpdateControls() {
@@ -141,7 +144,14 @@ void DataControl::Reposition() {
     Variant value = on_row ? recordset_->Fields(c->data_field()) : Variant();
     c->LoadBoundValue(value, regional ? *regional : fallback);
   }
+  TellGrids(change::kSelection);
   Fire(OnReposition);
+}
+
+void DataControl::TellGrids(unsigned changes) {
+  if (!form().screen().observer()) return;
+  for (Control* c : bound_)
+    if (c->kind() == ControlKind::Grid) c->Changed(changes);
 }
 
 void DataControl::AddBound(Control& control) {

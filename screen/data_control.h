@@ -74,6 +74,8 @@ class DataControl : public Control, public CursorSource {
 
  private:
   void SaveIfDirty(int action);
+  // Tells the observer that the grids showing this cursor changed: their rows or their current row.
+  void TellGrids(unsigned changes);
   Database* database_ = nullptr;
   std::unique_ptr<Recordset> recordset_;
   std::vector<Control*> bound_;

@@ -105,6 +105,22 @@ void EventQueue::SetWakeup(std::function<void()> wakeup) {
 void EventQueue::AddTimer(Timer& timer) {
   if (std::find(timers_.begin(), timers_.end(), &timer) == timers_.end()) timers_.push_back(&timer);
   timer.started = now_();
+  std::function<void()> wakeup;
+  {
+    std::lock_guard lock(mutex_);
+    wakeup = wakeup_;
+  }
+  if (wakeup) wakeup();
+}
+
+std::optional<std::chrono::steady_clock::time_point> EventQueue::NextTimerDue() const {
+  std::optional<std::chrono::steady_clock::time_point> next;
+  for (const Timer* timer : timers_) {
+    if (!timer->enabled() || timer->interval() <= 0 || !timer->form().loaded()) continue;
+    auto due = timer->started + std::chrono::milliseconds(timer->interval());
+    if (!next || due < *next) next = due;
+  }
+  return next;
 }
 
 void EventQueue::RemoveTimer(Timer& timer) {

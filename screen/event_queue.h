@@ -8,6 +8,7 @@
 #include <deque>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 #include "platform/event_port.h"
@@ -62,11 +63,14 @@ class EventQueue {
   // Called (on the posting thread) after every Post, so that a desktop loop can wake up.
   void SetWakeup(std::function<void()> wakeup);
 
-  // Timers register themselves while enabled with a positive interval.
+  // Timers register themselves while enabled with a positive interval. A timer started wakes the loop,
+  // so that a loop sleeping until the next due timer learns of it.
   void AddTimer(Timer& timer);
   void RemoveTimer(Timer& timer);
   // Fires every enabled timer whose interval has passed since it last fired (or was enabled).
   int TickDueTimers();
+  // When the next timer is due, for a loop that sleeps until then; nothing while no timer runs.
+  std::optional<std::chrono::steady_clock::time_point> NextTimerDue() const;
   std::chrono::steady_clock::time_point SteadyTime() const { return now_(); }
 
  private:

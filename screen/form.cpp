@@ -100,6 +100,7 @@ Control& Form::Adopt(std::unique_ptr<Control> control) {
   }
   same.push_back(control.get());
   controls_.push_back(std::move(control));
+  if (ScreenObserver* observer = screen_->observer()) observer->ControlAdded(*controls_.back());
   return *controls_.back();
 }
 
@@ -138,6 +139,7 @@ void Form::Show(bool modal) {
   Load();
   if (!loaded_) return;  // Load unloaded it again
   visible_ = true;
+  Notify();
   Activate();
   if (!modal || !visible_) return;
   modal_ = true;
@@ -154,7 +156,13 @@ void Form::Show(bool modal) {
 }
 
 void Form::Hide() {
+  if (!visible_) return;
   visible_ = false;
+  Notify();
+}
+
+void Form::Notify() {
+  if (ScreenObserver* observer = screen_->observer()) observer->FormChanged(*this);
 }
 
 bool Form::Unload() {
@@ -167,6 +175,7 @@ bool Form::Unload() {
   visible_ = false;
   loaded_ = false;
   SetFocus(nullptr);
+  Notify();
   return true;
 }
 
@@ -184,6 +193,7 @@ void Form::SetFocus(Control* control) {
 
 void Form::ControlGone(Control& control) {
   if (active_ == &control) active_ = nullptr;
+  if (ScreenObserver* observer = screen_->observer()) observer->ControlRemoved(control);
 }
 
 void Form::PopupMenu(Menu& menu) {
@@ -211,6 +221,7 @@ bool Form::SetProperty(TextView name, const Text& value) {
   const Text n = FoldName(name);
   if (n == u"caption" || n == u"text") {
     caption = value;
+    Notify();
     return true;
   }
   if (n == u"visible" || n == u"enabled") {
@@ -241,6 +252,7 @@ bool Form::SetProperty(TextView name, const Text& value) {
   if (n == u"windowstate" && (v < 0 || v > 2)) throw UserError("WindowState is 0, 1 or 2");
   if ((n == u"width" || n == u"height") && v < 0) throw UserError(ToUtf8(name) + " cannot be negative");
   *target = v;
+  Notify();
   if (OnResize) OnResize();
   return true;
 }

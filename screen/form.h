@@ -35,11 +35,14 @@ class Form {
   const Text& name() const { return name_; }
 
   Text caption;
-  // Geometry in twips; window_state 0 normal, 1 minimised, 2 maximised.
+  // Geometry in twips; window_state 0 normal, 1 minimised, 2 maximised. A form that sets no size of
+  // its own keeps the default.
+  static constexpr int kDefaultWidth = 11445;
+  static constexpr int kDefaultHeight = 9000;
   int left = 0;
   int top = 0;
-  int width = 11445;
-  int height = 9000;
+  int width = kDefaultWidth;
+  int height = kDefaultHeight;
   int window_state = 0;
   bool enabled = true;
 
@@ -88,6 +91,9 @@ class Form {
   bool Unload();
   // Makes the form the active one again (fires OnActivate), as when a modal form over it closes.
   void Activate();
+  // Tells the screen's observer that the form changed: shown, hidden, unloaded, or a new caption or
+  // geometry set from code.
+  void Notify();
 
   // The control that has the focus, or nullptr. Moving the focus fires LostFocus and GotFocus.
   Control* active_control() const { return active_; }

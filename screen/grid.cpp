@@ -64,11 +64,14 @@ int Grid::AddColumn(const Text& caption, const Text& data_field) {
   c.caption = caption;
   c.data_field = data_field;
   columns.push_back(std::move(c));
+  Changed(change::kItems);
   return ColumnCount() - 1;
 }
 
 Grid::Column& Grid::column(int at) {
   if (at < 0 || at >= ColumnCount()) BadValue();
+  // The caller may change the column through the reference.
+  Changed(change::kItems);
   return columns[at];
 }
 
@@ -79,16 +82,19 @@ void Grid::SetDataSource(DataControl* source) {
     Unbind();
   }
   row_ = -1;
+  Changed(change::kRows | change::kSelection);
 }
 
 void Grid::AddRow(std::vector<Text> cells) {
   cells.resize(std::max<size_t>(cells.size(), columns.size()));
   rows_.push_back(std::move(cells));
+  Changed(change::kRows);
 }
 
 void Grid::ClearRows() {
   rows_.clear();
   row_ = -1;
+  Changed(change::kRows | change::kSelection);
 }
 
 void Grid::SetCell(int row, int col, const Text& text) {
@@ -96,6 +102,7 @@ void Grid::SetCell(int row, int col, const Text& text) {
   auto& cells = rows_[row];
   if (col >= static_cast<int>(cells.size())) cells.resize(col + 1);
   cells[col] = text;
+  Changed(change::kRows);
 }
 
 std::vector<std::vector<Text>> Grid::Rows() const {
@@ -158,14 +165,49 @@ int Grid::RowCount() const {
 
 Text Grid::Cell(int row, int col) const {
   if (row < 0 || col < 0 || col >= ColumnCount()) return Text();
-  if (!data_source()) {
-    if (row >= static_cast<int>(rows_.size())) return Text();
-    const auto& cells = rows_[row];
-    return col < static_cast<int>(cells.size()) ? cells[col] : Text();
+  std::vector<Text> cells = RowCells(row);
+  return col < static_cast<int>(cells.size()) ? cells[col] : Text();
+}
+
+std::vector<Text> Grid::RowCells(int row) const {
+  if (row < 0) return {};
+  DataControl* source = data_source();
+  if (!source) {
+    if (row >= static_cast<int>(rows_.size())) return {};
+    auto cells = rows_[row];
+    cells.resize(std::max<size_t>(cells.size(), columns.size()));
+    return cells;
   }
-  auto rows = Rows();
-  if (row >= static_cast<int>(rows.size())) return Text();
-  return rows[row][col];
+  if (!source->HasRecordset()) return {};
+  Recordset& r = source->recordset();
+  if (r.Eof() && r.Bof()) return {};
+  if (r.EditInProgress()) {
+    // Moving the cursor would drop the edit in hand: the whole walk reads a cursor of its own.
+    auto rows = Rows();
+    return row < static_cast<int>(rows.size()) ? rows[row] : std::vector<Text>{};
+  }
+  if (row >= r.RecordCount()) return {};
+  const Regional fallback;
+  const Regional& regional = source->database() ? source->database()->regional() : fallback;
+  CursorPlace place(r);
+  std::vector<Text> cells;
+  cells.reserve(columns.size());
+  try {
+    r.SetAbsolutePosition(row);
+    for (const Column& c : columns) {
+      if (c.data_field.empty()) {
+        cells.emplace_back();
+        continue;
+      }
+      Variant v = r.Fields(c.data_field);
+      cells.push_back(c.format ? c.format(v) : v.IsNull() ? Text() : CStr(v, regional));
+    }
+  } catch (...) {
+    place.Restore();
+    throw;
+  }
+  place.Restore();
+  return cells;
 }
 
 int Grid::row() const {
@@ -185,6 +227,7 @@ void Grid::SetRow(int row) {
   } else {
     if (row < 0 || row >= static_cast<int>(rows_.size())) BadValue();
     row_ = row;
+    Changed(change::kSelection);
   }
   if (OnRowColChange) OnRowColChange(last, col_);
 }
@@ -193,6 +236,7 @@ void Grid::SetCol(int col) {
   if (col < 0 || col >= ColumnCount()) BadValue();
   const int last = col_;
   col_ = col;
+  Changed(change::kSelection);
   if (last != col && OnRowColChange) OnRowColChange(row(), last);
 }
 

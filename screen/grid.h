@@ -45,6 +45,9 @@ class Grid : public Control {
   Text Cell(int row, int col) const;
   // Every row as shown, cells in column order (hidden columns included).
   std::vector<std::vector<Text>> Rows() const;
+  // One row as shown (hidden columns included); empty outside the rows. A bound grid reads that row
+  // alone, so a front end can show a long view a screenful at a time.
+  std::vector<Text> RowCells(int row) const;
 
   // Current row from 0 (-1 for none) and column. For a bound grid the row follows the cursor.
   int row() const;

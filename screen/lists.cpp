@@ -40,6 +40,7 @@ int ListControl::AddItem(const Text& item, int at) {
   selected_.insert(selected_.begin() + at, false);
   if (list_index_ >= at) ++list_index_;
   new_index_ = at;
+  Changed(change::kItems);
   return at;
 }
 
@@ -55,6 +56,7 @@ void ListControl::RemoveItem(int at) {
   } else if (list_index_ > at) {
     --list_index_;
   }
+  Changed(change::kItems);
 }
 
 void ListControl::Clear() {
@@ -64,6 +66,7 @@ void ListControl::Clear() {
   list_index_ = -1;
   new_index_ = -1;
   StoreText(Text());
+  Changed(change::kItems);
 }
 
 Text ListControl::List(int at) const {
@@ -77,6 +80,7 @@ void ListControl::SetList(int at, const Text& item) {
   if (at < 0 || at >= ListCount()) BadIndex();
   items_[at] = item;
   if (at == list_index_) StoreText(item);
+  Changed(change::kItems);
 }
 
 int32_t ListControl::ItemData(int at) const {
@@ -99,6 +103,7 @@ void ListControl::SetListIndex(int at) {
   if (at < -1 || at >= ListCount()) throw RuntimeError(err::kInvalidPropertyValue, "Invalid property value");
   if (at == list_index_) return;
   list_index_ = at;
+  Changed(change::kSelection);
   if (at >= 0) {
     StoreText(items_[at]);
   } else if (!Editable()) {
@@ -121,12 +126,17 @@ bool ListControl::Selected(int at) const {
 
 void ListControl::SetSelected(int at, bool selected) {
   if (at < 0 || at >= ListCount()) BadIndex();
+  if (selected_[at] == selected) return;
   selected_[at] = selected;
+  Changed(change::kSelection);
 }
 
 void ListControl::SetText(const Text& text) {
   if (Editable()) {
-    list_index_ = Find(text);
+    if (int at = Find(text); at != list_index_) {
+      list_index_ = at;
+      Changed(change::kSelection);
+    }
     Control::SetText(text);
     return;
   }
@@ -152,7 +162,10 @@ void ListControl::LoadBoundValue(const Variant& value, const Regional& regional)
       SetText(t);
     } else {
       // A bound list whose field holds a text it lacks shows nothing selected.
-      list_index_ = -1;
+      if (list_index_ != -1) {
+        list_index_ = -1;
+        Changed(change::kSelection);
+      }
       StoreText(t);
     }
   } catch (...) {
@@ -254,6 +267,7 @@ void Timer::SetInterval(int milliseconds) {
     throw RuntimeError(err::kInvalidPropertyValue, "Invalid property value");
   interval_ = milliseconds;
   Register();
+  Changed(change::kState);
 }
 
 void Timer::SetEnabled(bool enabled) {

@@ -7,6 +7,7 @@
 
 #include "screen/event_queue.h"
 #include "screen/form.h"
+#include "screen/screen_observer.h"
 #include "screen/ui.h"
 
 namespace lw {
@@ -46,6 +47,10 @@ class Screen {
   // first, then on the main form. Nullptr when none has it.
   Control* Resolve(TextView form, TextView name, int index) const;
 
+  // The front end that draws the screen, told of every change; nullptr when none is drawn (the driver).
+  ScreenObserver* observer() const { return observer_; }
+  void SetObserver(ScreenObserver* observer) { observer_ = observer; }
+
   // Ends the process through the Ui.
   [[noreturn]] void End(int code = 0) { ui_->EndProcess(code); }
 
@@ -54,6 +59,7 @@ class Screen {
   EventQueue* queue_;
   std::vector<std::unique_ptr<Form>> forms_;
   std::vector<Form*> modal_stack_;
+  ScreenObserver* observer_ = nullptr;
 };
 
 }  // namespace lw

@@ -62,7 +62,7 @@ int TreeView::AddNode(int parent, const Text& key, const Text& text, End end) {
     siblings.push_back(at);
   if (!key.empty()) by_key_[key] = at;
   by_data_[0].push_back(at);
-  Changed();
+  ItemsChanged();
   return at;
 }
 
@@ -77,12 +77,12 @@ void TreeView::Clear() {
   by_data_.clear();
   by_key_.clear();
   current_ = -1;
-  Changed();
+  ItemsChanged(change::kItems | change::kSelection);
 }
 
 void TreeView::SetNodeText(int at, const Text& text) {
   mutable_node(at).text = text;
-  Changed();
+  ItemsChanged();
 }
 
 void TreeView::SetTag(int at, const Text& tag) {
@@ -140,7 +140,7 @@ void TreeView::SetExpanded(int at, bool expanded) {
   Node& n = mutable_node(at);
   if (n.expanded == expanded) return;
   n.expanded = expanded;
-  Changed();
+  ItemsChanged();
 }
 
 bool TreeView::Shown(int at) const {
@@ -151,13 +151,15 @@ bool TreeView::Shown(int at) const {
 
 void TreeView::SetCurrent(int at) {
   if (at < -1 || at >= NodeCount()) OutOfBounds();
+  if (current_ == at) return;
   current_ = at;
+  Changed(change::kSelection);
 }
 
 void TreeView::SetRedraw(bool on) {
   if (redraw_ == on) return;
   redraw_ = on;
-  Changed();
+  ItemsChanged();
 }
 
 void TreeView::UserClick(const Text* argument) {
@@ -192,7 +194,10 @@ void TreeView::UserClickNode(int at) {
   if (at < 0 || at >= NodeCount()) OutOfBounds();
   if (!Shown(at)) throw UserRefused("item \"" + ToUtf8(Path(at)) + "\" is inside a closed item");
   form().SetFocus(this);
-  current_ = at;
+  if (current_ != at) {
+    current_ = at;
+    Changed(change::kSelection);
+  }
   if (OnNodeClick) OnNodeClick(at);
   Fire(OnClick);
 }

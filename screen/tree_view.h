@@ -101,7 +101,11 @@ class TreeView : public Control {
 
  private:
   Node& mutable_node(int at);
-  void Changed() { ++revision_; }
+  // Counts the change and tells the screen's observer, so a front end rebuilds or reselects.
+  void ItemsChanged(unsigned changes = change::kItems) {
+    ++revision_;
+    Changed(changes);
+  }
 
   std::vector<Node> nodes_;
   std::vector<int> roots_;

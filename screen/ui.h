@@ -93,6 +93,10 @@ class Ui {
   [[noreturn]] virtual void EndProcess(int code) = 0;
   // The short warning sound of a refused action. Silent where there is no speaker.
   virtual void Beep() {}
+  // In the middle of long work: lets the user act meanwhile (a Cancel button, a look at another page)
+  // and the screen show the progress. The caller must be safe against the user starting another command
+  // before this returns. Without a window there is nothing to let through.
+  virtual void DoEvents() {}
 };
 
 // Sets the wait cursor for the life of the object, and back even when the call throws.

@@ -12,6 +12,8 @@ packages=(
   libhpdf-dev libxlsxwriter-dev libstb-dev
   # the scanner (optional at build time; SANE's test devices serve the tests)
   libsane-dev libsane1
+  # the desktop program
+  qt6-base-dev qt6-webengine-dev
   # tests and benchmarks
   libgtest-dev libgmock-dev googletest libbenchmark-dev python3
   # mail: the user's mail program is reached through xdg-utils; the tests run a local SMTP server

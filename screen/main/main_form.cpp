@@ -1,6 +1,7 @@
 #include "screen/main/main_form.h"
 #include "screen/edits.h"
 #include "screen/main/main_parts.h"
+#include "screen/main/main_places.h"
 
 #include <fstream>
 #include <string>
@@ -79,6 +80,12 @@ void MainForm::BuildControls() {
   for (int i = 0; i < kPageCount; ++i) SSTab1.page(i).caption = pages[i].caption;
   SSTab1.page(kAdvEditPage).visible = false;
   SSTab1.OnTabClick = [this](int) { tab_refresh(); };
+  // Each page's controls stand in a frame of that page.
+  for (int i = 0; i < kPageCount; ++i) {
+    Control& page = Add(ControlKind::Frame, u"tab_page_fra", i);
+    page.SetContainer(&SSTab1);
+    page.layout.page = i;
+  }
 
   StatusBar1.SetPanels(2);
   StatusBar1.OnPanelClick = [this](int) {
@@ -315,6 +322,10 @@ void MainForm::RegisterOwnRoutines() {
   RegisterViews(*this);
   RegisterRecords(*this);
   RegisterUpdateCheck(*this);
+}
+
+Control& MainForm::Page(int page) {
+  return Get(u"tab_page_fra", page);
 }
 
 void MainForm::RunCommand(const std::string& routine) {

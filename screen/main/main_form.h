@@ -49,6 +49,9 @@ class MainForm : public Form {
   const Text& status() const { return StatusBar1.panel(1); }
   bool IsSeller() const { return Auction_type_lst.text() == u"Seller"; }
 
+  // The frame that holds the controls of a page of SSTab1.
+  Control& Page(int page);
+
   // A command of the list bar, a toolbar or a menu: runs the registered routine, or says that the
   // command is not there yet.
   void RunCommand(const std::string& routine);

@@ -17,6 +17,7 @@
 
 namespace lw {
 
+class HttpSession;
 class MainForm;
 class SplashForm;
 class WizardForm;
@@ -66,6 +67,9 @@ struct Program {
     std::unique_ptr<Recordset> setup;  // "Select * From Setup"
     bool ini_import_failed = false;
     std::filesystem::path help_file;  // what the help menu opens
+    // A store named on the command line: opened for this run instead of the one the settings name,
+    // which stay as they are.
+    std::filesystem::path command_line_store;
   } startup;
 
   // The view on show.
@@ -102,6 +106,10 @@ struct Program {
     // `fontsizing` of the misc row as the screen last activated: the screen's fonts follow the window.
     bool fontsizing = false;
   } main_screen;
+
+  // The run's one HTTP session, whose cookies every transport shares: made by the first transport that
+  // needs it, or handed in by a front end whose web view shares the cookies too.
+  std::shared_ptr<HttpSession> http_session;
 
   // Objects the subsystems registered on the screen keep for the whole run.
   std::vector<std::shared_ptr<void>> subsystems;

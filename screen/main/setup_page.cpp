@@ -105,7 +105,8 @@ void UseridScreen::BuildSetupPage() {
     pages[i] = &f.Add(ControlKind::Frame, u"setup_fra", i);
     pages[i]->SetCaption(kSubPages[i]);
     pages[i]->SetVisible(i == 0);
-    pages[i]->SetContainer(&whole);
+    pages[i]->SetContainer(&tabs);
+    pages[i]->layout.page = i;
   }
   f.Get(u"setup_btn", 0).SetContainer(&whole);
   f.Get(u"setup_btn", 2).SetContainer(&whole);
@@ -118,6 +119,8 @@ void UseridScreen::BuildSetupPage() {
     groups[i]->SetCaption(kGroups[i]);
     groups[i]->SetContainer(pages[4]);
   }
+  pages[4]->layout.frame_columns = 2;
+  groups[3]->layout.stretch = true;
   auto place = [&](int at) { return at >= 10 ? groups[at - 10] : pages[at]; };
 
   auto fields = SetupFields();
@@ -127,6 +130,9 @@ void UseridScreen::BuildSetupPage() {
     label.SetContainer(place(kFieldPlace[i]));
     Control& t = f.Add(ControlKind::TextBox, u"setup_txt", i);
     t.SetContainer(place(kFieldPlace[i]));
+    label.layout.field = &t;
+    // The letters and the footer are texts of several lines.
+    if ((i >= 15 && i <= 20) || i == 23 || i == 24) t.layout.multiline = t.layout.stretch = true;
     if (fields[i].field) t.Bind(fields[i].misc ? f.Misc : f.setup_datacontrl, fields[i].field);
   }
   // The credentials change only while a user id is added or renamed.
@@ -149,6 +155,7 @@ void UseridScreen::BuildSetupPage() {
   backup_label.SetCaption(u"Prompt to Backup Database every");
   backup_label.SetContainer(groups[1]);
   f.Get(u"backup_lst").SetContainer(groups[1]);
+  backup_label.layout.field = &f.Get(u"backup_lst");
   f.Get(u"MhClock_current_time").SetContainer(groups[2]);
   f.feedback_grid.SetContainer(groups[3]);
   f.Get(u"ctToolBar5").SetContainer(pages[0]);

@@ -45,8 +45,9 @@ WizardForm::WizardForm(Screen& screen, Program& program)
   static const char16_t* kFields[] = {u"Userid",  u"Password",  u"UserEmail", u"Name",
                                       u"address", u"Signiture", u"Location"};
   for (int i = 0; i < 7; ++i) {
-    Add(ControlKind::Label, u"wizard_lbl", i).SetCaption(kFields[i]);
-    Add(ControlKind::TextBox, u"wizard_txt", i);
+    Control& label = Add(ControlKind::Label, u"wizard_lbl", i);
+    label.SetCaption(kFields[i]);
+    label.layout.field = &Add(ControlKind::TextBox, u"wizard_txt", i);
   }
   // The user id and password are kept lower-case and trimmed, as the site compares them.
   for (int i : {0, 1}) {

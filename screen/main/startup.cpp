@@ -10,6 +10,7 @@
 #include "screen/main/database_location.h"
 #include "screen/main/exit_rules.h"
 #include "screen/main/main_form.h"
+#include "screen/main/main_places.h"
 #include "screen/main/saved_view.h"
 #include "screen/main/small_forms.h"
 
@@ -118,6 +119,10 @@ void InstallShippedStore(const std::filesystem::path& shipped, const std::filesy
 void Main(Program& p) {
   auto& st = p.startup;
   DatabaseLocation loc = ReadDatabaseLocation(p.settings);
+  if (!st.command_line_store.empty()) {
+    loc.path = FromUtf8(st.command_line_store.parent_path().string());
+    loc.name = u"\\" + FromUtf8(st.command_line_store.filename().string());
+  }
   st.database_path = loc.path;
   st.database_name = loc.name;
 
@@ -224,6 +229,9 @@ void MainForm::Form_Load() {
   Program& p = *program_;
   Ui& u = ui();
   auto& st = p.startup;
+
+  // Every control is in place before anyone draws the form, the subsystems' ones too.
+  PlaceMainControls(*this);
 
   // 8. Help, and every data source on the one store.
   st.help_file = p.files.help;
@@ -380,8 +388,11 @@ void MainForm::save_user_settings() {
   Program& p = *program_;
   Settings& s = p.settings;
   if (window_state == 1) window_state = 0;
-  s.SaveSetting(kAppKey, kDb, u"Path", p.startup.database_path);
-  s.SaveSetting(kAppKey, kDb, u"Dbname", p.startup.database_name);
+  // A store named on the command line was for this run only.
+  if (p.startup.command_line_store.empty()) {
+    s.SaveSetting(kAppKey, kDb, u"Path", p.startup.database_path);
+    s.SaveSetting(kAppKey, kDb, u"Dbname", p.startup.database_name);
+  }
   WindowGeometry g = GeometryToSave({width, height, left, top});
   s.SaveSetting(kAppKey, kScreen, u"Width", FromUtf8(std::to_string(g.width)));
   s.SaveSetting(kAppKey, kScreen, u"Height", FromUtf8(std::to_string(g.height)));

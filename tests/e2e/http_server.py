@@ -6,7 +6,8 @@ answers with a sign-in form until a sign-in form post sets the session cookie), 
 (close the connection, or answer 500) or to stall (never answer) on a path.
 
     http_server.py --root DIR [--port-file FILE] [--signin USER:PASSWORD]
-                   [--fail PATH=close|500]... [--stall PATH]... [--watch-stdin]
+                   [--fail PATH=close|500]... [--stall PATH]... [--set-cookie PATH=NAME=VALUE]...
+                   [--watch-stdin]
 
 It listens on 127.0.0.1 on a free port and prints the port on a line of its own (and writes it to
 --port-file). Pages are found first in ROOT/routes.json, a list of
@@ -15,6 +16,8 @@ then as ROOT/PATH. Control addresses, for the tests themselves:
 
     /__control/fail?path=P&mode=close|500   /__control/stall?path=P   /__control/clear?path=P
     /__control/reset                        /__control/log  (one line a request: METHOD TARGET cookie)
+    /__control/cookies  (one line a request: METHOD TARGET and the whole Cookie header)
+A page served from PATH given to --set-cookie also sets that cookie (Path=/).
 """
 
 import argparse
@@ -61,6 +64,8 @@ class State:
         self.stalling = set()
         self.sessions = set()
         self.log = []
+        self.cookie_log = []
+        self.set_cookies = {}
         self.stop = threading.Event()
         self.routes = []
         routes_file = os.path.join(self.root, "routes.json")
@@ -110,6 +115,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
         cookie = self.session_cookie()
         with self.state.lock:
             self.state.log.append("%s %s %s" % (self.command, self.path, cookie or "-"))
+            self.state.cookie_log.append("%s %s %s" % (self.command, self.path, self.headers.get("Cookie") or "-"))
         if path.startswith("/__control/"):
             return self.control(path, urllib.parse.parse_qs(query))
         with self.state.lock:
@@ -147,7 +153,8 @@ class Handler(http.server.BaseHTTPRequestHandler):
             return self.send_page(404, b"<html><body>Not Found</body></html>", "text/html")
         with open(page, "rb") as f:
             data = f.read()
-        self.send_page(200, data, ctype or content_type_for(page))
+        extra = [("Set-Cookie", "%s; Path=/" % self.state.set_cookies[path])] if path in self.state.set_cookies else []
+        self.send_page(200, data, ctype or content_type_for(page), extra)
 
     def session_cookie(self):
         for part in (self.headers.get("Cookie") or "").split(";"):
@@ -194,8 +201,10 @@ class Handler(http.server.BaseHTTPRequestHandler):
                 self.state.stalling.clear()
                 self.state.sessions.clear()
                 self.state.log.clear()
-            elif path == "/__control/log":
-                text = "".join(line + "\n" for line in self.state.log)
+                self.state.cookie_log.clear()
+            elif path in ("/__control/log", "/__control/cookies"):
+                lines = self.state.log if path == "/__control/log" else self.state.cookie_log
+                text = "".join(line + "\n" for line in lines)
                 return self.send_page(200, text.encode("utf-8"), "text/plain; charset=utf-8")
             else:
                 return self.send_page(404, b"unknown control", "text/plain")
@@ -223,6 +232,7 @@ def main():
     parser.add_argument("--signin", help="USER:PASSWORD the sign-in form accepts")
     parser.add_argument("--fail", action="append", default=[], help="PATH=close or PATH=500")
     parser.add_argument("--stall", action="append", default=[])
+    parser.add_argument("--set-cookie", action="append", default=[], help="PATH=NAME=VALUE")
     parser.add_argument("--watch-stdin", action="store_true", help="stop when standard input closes")
     args = parser.parse_args()
 
@@ -236,6 +246,11 @@ def main():
             parser.error("--fail takes PATH=close or PATH=500")
         state.failing[p] = mode
     state.stalling.update(args.stall)
+    for item in args.set_cookie:
+        p, _, cookie = item.partition("=")
+        if "=" not in cookie:
+            parser.error("--set-cookie takes PATH=NAME=VALUE")
+        state.set_cookies[p] = cookie
 
     server = Server(("127.0.0.1", 0), Handler)
     server.state = state
