@@ -11,17 +11,12 @@
 
 #include "core/primitives/types.h"
 #include "platform/charset.h"
+#include "platform/curl_handle.h"
 
 namespace lw {
 
 namespace {
 
-struct EasyCloser {
-  void operator()(CURL* c) const { curl_easy_cleanup(c); }
-};
-struct SlistCloser {
-  void operator()(curl_slist* l) const { curl_slist_free_all(l); }
-};
 struct ConverterCloser {
   void operator()(UConverter* c) const { ucnv_close(c); }
 };
@@ -160,7 +155,7 @@ void CurlApiHttp::Send(const std::string& body) {
   std::call_once(init, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
   reply_.clear();
   content_type_.clear();
-  std::unique_ptr<CURL, EasyCloser> curl(curl_easy_init());
+  CurlEasy curl(curl_easy_init());
   if (!curl) throw RuntimeError(CURLE_FAILED_INIT, "The connection could not be made ready");
 
   curl_slist* list = nullptr;
@@ -168,7 +163,7 @@ void CurlApiHttp::Send(const std::string& body) {
   // The body is an XML text; without these libcurl would call it a form and wait for a "continue".
   list = curl_slist_append(list, "Content-Type: text/xml");
   list = curl_slist_append(list, "Expect:");
-  std::unique_ptr<curl_slist, SlistCloser> header_list(list);
+  CurlList header_list(list);
 
   Exchange x{&reply_, &content_type_};
   CURL* c = curl.get();

@@ -11,6 +11,7 @@
 #include <mutex>
 
 #include "core/primitives/types.h"
+#include "platform/curl_handle.h"
 
 namespace lw {
 
@@ -53,13 +54,6 @@ int OnPrereq(void* user, char*, char*, int, int) {
   return CURL_PREREQFUNC_OK;
 }
 
-struct EasyCloser {
-  void operator()(CURL* c) const { curl_easy_cleanup(c); }
-};
-struct SlistCloser {
-  void operator()(curl_slist* l) const { curl_slist_free_all(l); }
-};
-
 }  // namespace
 
 // The shared cookie store, locked because background fetches run on their own threads.
@@ -93,7 +87,7 @@ HttpSession::HttpSession() {
 HttpSession::~HttpSession() = default;
 
 HttpResponse HttpSession::Perform(const HttpRequest& request, const FetchControl& control) const {
-  std::unique_ptr<CURL, EasyCloser> easy(curl_easy_init());
+  CurlEasy easy(curl_easy_init());
   if (!easy) throw RuntimeError(CURLE_FAILED_INIT, "Connection Failed: cannot start a transfer");
   HttpResponse response;
   Transfer transfer{&response, &control};
@@ -122,7 +116,7 @@ HttpResponse HttpSession::Perform(const HttpRequest& request, const FetchControl
   curl_easy_setopt(c, CURLOPT_PREREQFUNCTION, &OnPrereq);
   curl_easy_setopt(c, CURLOPT_PREREQDATA, &transfer);
   if (!request.referer.empty()) curl_easy_setopt(c, CURLOPT_REFERER, request.referer.c_str());
-  std::unique_ptr<curl_slist, SlistCloser> headers;
+  CurlList headers;
   if (request.method == "POST") {
     curl_easy_setopt(c, CURLOPT_POST, 1L);
     curl_easy_setopt(c, CURLOPT_POSTFIELDSIZE, static_cast<long>(request.body.size()));
@@ -150,7 +144,7 @@ HttpResponse HttpSession::Perform(const HttpRequest& request, const FetchControl
 }
 
 std::string HttpSession::CookieList() const {
-  std::unique_ptr<CURL, EasyCloser> easy(curl_easy_init());
+  CurlEasy easy(curl_easy_init());
   curl_easy_setopt(easy.get(), CURLOPT_SHARE, share_->handle);
   curl_easy_setopt(easy.get(), CURLOPT_COOKIEFILE, "");
   curl_slist* list = nullptr;
@@ -163,7 +157,7 @@ std::string HttpSession::CookieList() const {
 }
 
 void HttpSession::ClearCookies() {
-  std::unique_ptr<CURL, EasyCloser> easy(curl_easy_init());
+  CurlEasy easy(curl_easy_init());
   curl_easy_setopt(easy.get(), CURLOPT_SHARE, share_->handle);
   curl_easy_setopt(easy.get(), CURLOPT_COOKIELIST, "ALL");
 }
@@ -225,7 +219,7 @@ std::vector<HttpCookie> HttpSession::Cookies() const {
 
 void HttpSession::SetCookie(const HttpCookie& cookie) {
   if (cookie.name.empty() || cookie.domain.empty()) return;
-  std::unique_ptr<CURL, EasyCloser> easy(curl_easy_init());
+  CurlEasy easy(curl_easy_init());
   curl_easy_setopt(easy.get(), CURLOPT_SHARE, share_->handle);
   curl_easy_setopt(easy.get(), CURLOPT_COOKIEFILE, "");
   curl_easy_setopt(easy.get(), CURLOPT_COOKIELIST, CookieLine(cookie).c_str());

@@ -9,15 +9,12 @@
 #include <mutex>
 
 #include "core/primitives/types.h"
+#include "platform/curl_handle.h"
 
 namespace lw {
 namespace {
 
 std::once_flag g_curl_mail_init;
-
-struct EasyCloser {
-  void operator()(CURL* c) const { curl_easy_cleanup(c); }
-};
 
 // The parts of a host field: "name", "name:port", "[v6]" or "[v6]:port". A name with several colons
 // and no brackets is an IPv6 address without a port.
@@ -65,7 +62,7 @@ std::string MailServerUrl(const std::string& scheme, const std::string& host, in
 void Pop3Logon(const Pop3Account& account) {
   InitCurlForMail();
   if (account.host.empty()) throw RuntimeError(CURLE_URL_MALFORMAT, "No POP3 server to log on to");
-  std::unique_ptr<CURL, EasyCloser> easy(curl_easy_init());
+  CurlEasy easy(curl_easy_init());
   if (!easy) throw RuntimeError(CURLE_FAILED_INIT, "Cannot start a POP3 logon");
   CURL* c = easy.get();
   const std::string url = MailServerUrl("pop3", account.host, 110);

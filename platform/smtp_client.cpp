@@ -7,17 +7,11 @@
 #include <memory>
 
 #include "core/primitives/types.h"
+#include "platform/curl_handle.h"
 #include "platform/pop3_logon.h"
 
 namespace lw {
 namespace {
-
-struct EasyCloser {
-  void operator()(CURL* c) const { curl_easy_cleanup(c); }
-};
-struct SlistCloser {
-  void operator()(curl_slist* l) const { curl_slist_free_all(l); }
-};
 
 struct Upload {
   const std::string* data;
@@ -75,7 +69,7 @@ void SmtpClient::Connect() {
 void SmtpClient::Send() {
   if (!connected_) throw RuntimeError(err::kObjectVariableNotSet, "The mail server is not connected");
   if (recipient_.empty()) throw RuntimeError(CURLE_SEND_ERROR, "The mail has no recipient");
-  std::unique_ptr<CURL, EasyCloser> easy(curl_easy_init());
+  CurlEasy easy(curl_easy_init());
   if (!easy) throw RuntimeError(CURLE_FAILED_INIT, "Cannot start a mail transfer");
   CURL* c = easy.get();
   MailMessage message = Message();
@@ -84,7 +78,7 @@ void SmtpClient::Send() {
   Upload upload{&wire};
   const std::string url = MailServerUrl("smtp", host_, 25);
   const std::string from = Bracketed(return_address_);
-  std::unique_ptr<curl_slist, SlistCloser> rcpt;
+  CurlList rcpt;
   for (const std::string* to : {&recipient_, &cc_, &bcc_}) {
     if (to->empty()) continue;
     rcpt.reset(curl_slist_append(rcpt.release(), Bracketed(*to).c_str()));
