@@ -89,7 +89,8 @@ TEST(HttpCookies, FetchesTellOfNewCookiesAndSendCookiesFromOutside) {
   // The server's own session cookie from a sign-in is news.
   session.Perform(Get(server.base() + "/aw-cgi/eBayISAPI.dll?SignInWelcome&userid=alice&pass=secret"));
   EXPECT_EQ(told, 1);
-  const HttpCookie* signed_in = Named(session.Cookies(), "lw_session");
+  const std::vector<HttpCookie> cookies = session.Cookies();  // kept: Named points into it
+  const HttpCookie* signed_in = Named(cookies, "lw_session");
   ASSERT_NE(signed_in, nullptr);
   EXPECT_NE(signed_in->value, "not-a-session");
   // A fetch that sets nothing new tells nothing.
