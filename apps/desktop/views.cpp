@@ -233,7 +233,9 @@ void ControlView::SyncCommon(unsigned changes) {
     const FontSpec& f = control_.font();
     QFont font = QApplication::font(widget_);
     if (!f.name.empty()) font.setFamily(Q(f.name));
-    if (f.size > 0) font.setPointSizeF(f.size);
+    // The size is always the widget's own, so that it follows the window where fonts do.
+    const double scale = renderer_.FontScale(control_.form());
+    if (f.size > 0 || scale != 1) font.setPointSizeF((f.size > 0 ? f.size : font.pointSizeF()) * scale);
     font.setBold(f.bold);
     font.setItalic(f.italic);
     font.setUnderline(f.underline);
