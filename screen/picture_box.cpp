@@ -15,7 +15,7 @@ void PictureBox::SetFileName(const Text& file) {
     if (had) Changed(change::kText);
     return;
   }
-  // An empty box whatever the reader says: the front end draws the box as it is now.
+  // The box is emptied first and stays so if the reader refuses the file: drawn afresh either way.
   Changed(change::kText);
   if (!reader) throw RuntimeError(err::kInvalidPicture, "Invalid picture");
   const std::filesystem::path written(ToUtf8(file));

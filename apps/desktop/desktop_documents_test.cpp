@@ -245,6 +245,12 @@ TEST_F(DesktopDocuments, TheImagePageDrawsThePictureInTheChosenDisplayMode) {
         EXPECT_EQ(box.display_mode(), PictureBox::kActualSize);
         EXPECT_EQ(shown->pixmap().size(), QSize(1500, 1000));
         EXPECT_EQ(Joined(d.renderer().Check()), "");
+        // A click on the picture is one click of the box.
+        int clicks = 0;
+        box.OnClick = [&clicks] { ++clicks; };
+        QTest::mouseClick(shown, Qt::LeftButton, {}, QPoint(20, 20));
+        EXPECT_EQ(clicks, 1);
+        box.OnClick = nullptr;
 
         // Fit to width: as wide as the box less its scroll bar, as the picture is then taller than it.
         QTest::mouseClick(d.renderer().WidgetOf(main.Get(u"image_btn2")), Qt::LeftButton);

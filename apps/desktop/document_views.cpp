@@ -241,7 +241,7 @@ class PictureFileView : public ControlView {
     area->resized = [this] { Fit(); };
     area_ = area;
     widget_ = area;
-    WatchInput(shown_);
+    // The picture takes no clicks of its own: they reach the area round it, watched once.
     WatchInput(area->viewport());
     Sync(change::kAll);
   }
