@@ -78,6 +78,7 @@ void ReportScreen::Build() {
   MainForm& f = main();
   // The page's controls live in one frame, shown while the Reports page is.
   Control& page = f.Add(ControlKind::Frame, u"report_page_fra");
+  page.SetContainer(&f.Page(kReportsPage));  // on its page of SSTab1, where the user sees it
   page.SetVisible(f.SSTab1.tab() == kReportsPage);
   auto entered = std::move(f.SSTab1.OnTabClick);
   Control* page_ptr = &page;

@@ -165,6 +165,7 @@ void AfterSale::BuildControls() {
   // The Email page: the letter and the bulk list, each on a page of the mail tab strip.
   Control& email_page = f.Add(ControlKind::Frame, u"email_page_fra");
   email_page.SetCaption(u"Email");
+  email_page.SetContainer(&f.Page(kEmailPage));  // on its page of SSTab1, where the user sees it
   TabStrip& mail_tabs = f.Add<TabStrip>(u"email_tab");
   mail_tabs.SetContainer(&email_page);
   mail_tabs.SetTabs(2);

@@ -166,6 +166,7 @@ void RegisterSellPage(ListingScreen& screen) {
 
   // The page's controls are reachable only while it is the page in use.
   Control* page = &f.Get(u"lister_page_fra");
+  page->SetContainer(&f.Page(kListerPage));  // on its page of SSTab1, where the user sees it
   page->SetVisible(f.SSTab1.tab() == kListerPage);
   auto entered = std::move(f.SSTab1.OnTabClick);
   f.SSTab1.OnTabClick = [s, page, entered, &f](int left) {

@@ -163,6 +163,7 @@ void image_loc_changed(MediaScreen& s, Control& changed) {
 void BuildImagePage(MediaScreen& s) {
   MainForm& f = s.main();
   Control& page = EnsurePlain(f, ControlKind::Frame, u"image_page_fra");
+  page.SetContainer(&f.Page(kImagePage));  // on its page of SSTab1, where the user sees it
   page.SetVisible(f.SSTab1.tab() == kImagePage);
   f.Get(u"ctToolBar8").SetContainer(&page);
   Toolbar& bar = f.Get<Toolbar>(u"ctToolBar8");

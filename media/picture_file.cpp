@@ -98,7 +98,7 @@ PictureDetails ReadPictureFile(const std::filesystem::path& file) {
   auto header = ReadHeader(
       f.get(), ec || size > static_cast<std::uintmax_t>(LONG_MAX) ? LONG_MAX : static_cast<long>(size));
   if (!header) Invalid();
-  return PictureDetails{header->width, header->height, header->depth, ec ? 0 : size};
+  return PictureDetails{header->width, header->height, header->depth, ec ? 0 : size, file};
 }
 
 }  // namespace lw

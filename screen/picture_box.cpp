@@ -8,18 +8,28 @@
 namespace lw {
 
 void PictureBox::SetFileName(const Text& file) {
+  const bool had = loaded();
   file_name_.clear();
   details_ = PictureDetails{};
-  if (file.empty()) return;
+  if (file.empty()) {
+    if (had) Changed(change::kText);
+    return;
+  }
+  // The box is emptied first and stays so if the reader refuses the file: drawn afresh either way.
+  Changed(change::kText);
   if (!reader) throw RuntimeError(err::kInvalidPicture, "Invalid picture");
-  details_ = reader(std::filesystem::path(ToUtf8(file)));
+  const std::filesystem::path written(ToUtf8(file));
+  details_ = reader(written);
+  if (details_.path.empty()) details_.path = written;
   file_name_ = file;
 }
 
 void PictureBox::SetDisplayMode(int mode) {
   if (mode != kFitToWidth && mode != kBestFit && mode != kActualSize)
     throw RuntimeError(err::kInvalidPropertyValue, "Invalid property value");
+  if (mode == display_mode_) return;
   display_mode_ = mode;
+  Changed(change::kValue);
 }
 
 std::optional<Text> PictureBox::Property(TextView name, const std::vector<Text>& args) const {

@@ -22,6 +22,9 @@ struct PictureDetails {
   int height = 0;           // pixels
   int depth = 0;            // bits per pixel
   std::uintmax_t size = 0;  // bytes of the file
+  // The file as found on disk (a name written in another case may find it): what a front end draws.
+  // The box fills in the name as written when the reader leaves it empty.
+  std::filesystem::path path;
 };
 
 class PictureBox : public Control {

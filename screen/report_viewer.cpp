@@ -72,6 +72,7 @@ void ReportViewer::SetDocument(std::shared_ptr<const ReportDocument> document) {
   document_ = std::move(document);
   current_page_ = PageCount() > 0 ? 1 : 0;
   ++revision_;
+  Changed(change::kItems | change::kSelection);
 }
 
 int ReportViewer::PageCount() const {
@@ -87,6 +88,7 @@ const ReportPage& ReportViewer::page(int number) const {
 void ReportViewer::SetCurrentPage(int number) {
   page(number);  // raises for a page the report does not have
   current_page_ = number;
+  Changed(change::kSelection);
 }
 
 void ReportViewer::UserClick(const Text* argument) {
@@ -103,6 +105,7 @@ void ReportViewer::UserClick(const Text* argument) {
   if (number < 1 || number > PageCount())
     throw UserError(ToUtf8(Reference()) + " has no page " + std::to_string(number));
   current_page_ = number;
+  Changed(change::kSelection);
 }
 
 std::optional<Text> ReportViewer::Property(TextView name, const std::vector<Text>& args) const {

@@ -13,6 +13,8 @@
 #include "core/primitives/encoding.h"
 #include "screen/data_control.h"
 #include "screen/grid.h"
+#include "screen/picture_box.h"
+#include "screen/report_viewer.h"
 #include "screen/testing.h"
 
 namespace lw {
@@ -110,6 +112,51 @@ TEST_F(Observed, PartsHandedOutByReferenceAreToldAsChanged) {
   int g = lb.AddGroup(u"Import");
   lb.AddItem(g, u"Quit", u"", u"exit");
   EXPECT_EQ(seen.Take(lb), change::kItems);
+}
+
+// A report viewer tells of a new report and of each page turned, by code or by the user; a picture
+// display of each file it loads or unloads and of a new display mode, and nothing for the same mode.
+TEST_F(Observed, ReportViewersAndPictureDisplaysTellWhatTheyShow) {
+  auto& viewer = t.form.Add<ReportViewer>(u"viewer");
+  auto report = std::make_shared<ReportDocument>();
+  report->pages.resize(3);
+  viewer.SetDocument(report);
+  EXPECT_EQ(seen.Take(viewer), change::kItems | change::kSelection);
+  viewer.SetCurrentPage(2);
+  EXPECT_EQ(seen.Take(viewer), change::kSelection);
+  const Text three = u"3";
+  viewer.UserClick(&three);
+  EXPECT_EQ(seen.Take(viewer), change::kSelection);
+  EXPECT_THROW(viewer.SetCurrentPage(4), RuntimeError);
+  EXPECT_EQ(seen.Take(viewer), 0u);
+
+  auto& picture = t.form.Add<PictureBox>(u"picture");
+  picture.reader = [](const fs::path& file) {
+    if (file.filename() == "gone.jpg") throw RuntimeError(53, "File not found");
+    return PictureDetails{4, 3, 24, 100, "/pictures" / file.filename()};
+  };
+  picture.SetFileName(u"shop/chair.jpg");
+  EXPECT_EQ(seen.Take(picture), change::kText);
+  // What the reader found is what is drawn; a reader that says nothing leaves the name as written.
+  EXPECT_EQ(picture.details().path, fs::path("/pictures/chair.jpg"));
+  picture.SetDisplayMode(PictureBox::kActualSize);
+  EXPECT_EQ(seen.Take(picture), change::kValue);
+  picture.SetDisplayMode(PictureBox::kActualSize);
+  EXPECT_EQ(seen.Take(picture), 0u);
+  EXPECT_THROW(picture.SetFileName(u"gone.jpg"), RuntimeError);
+  EXPECT_EQ(seen.Take(picture), change::kText);  // the box is empty now
+  EXPECT_FALSE(picture.loaded());
+  picture.SetFileName(Text());
+  EXPECT_EQ(seen.Take(picture), 0u);
+  picture.reader = [](const fs::path&) {
+    PictureDetails found;
+    found.width = found.height = 1;
+    return found;
+  };
+  picture.SetFileName(u"shop/table.jpg");
+  EXPECT_EQ(picture.details().path, fs::path("shop/table.jpg"));
+  picture.SetFileName(Text());
+  EXPECT_EQ(seen.Take(picture), change::kText);
 }
 
 TEST_F(Observed, FormsTellShowingHidingUnloadingAndControlsGoing) {

@@ -101,6 +101,7 @@ Desktop::Desktop(DesktopOptions options) {
 
   renderer_ = std::make_unique<Renderer>(*this, p.screen);
   p.screen.SetObserver(renderer_.get());
+  renderer_->fonts_follow_window = [&p] { return p.main_screen.fontsizing; };
   // Every web view of the screen is the desktop's, shown or not yet.
   for (Form* f : p.screen.forms())
     for (const auto& c : f->controls())
@@ -268,6 +269,10 @@ void Desktop::ShowProgress(QWidget& widget) {
   widget.repaint();
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
   repainting_ = false;
+}
+
+void Desktop::Beep() {
+  QApplication::beep();
 }
 
 void Desktop::DoEvents() {

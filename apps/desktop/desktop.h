@@ -90,6 +90,7 @@ class Desktop : public Ui {
   void StartProgram(const std::filesystem::path& program, const std::vector<Text>& arguments) override;
   [[noreturn]] void EndProcess(int code) override;
   void DoEvents() override;
+  void Beep() override;
 
  private:
   // Ends the run: every loop of ours returns and every dialog closes.

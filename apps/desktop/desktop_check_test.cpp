@@ -278,5 +278,44 @@ TEST_F(DesktopCheck, TheChargesDialogShowsWithoutCodeOfItsOwn) {
   ASSERT_TRUE(user.Play()) << user.stuck();
 }
 
+// With the screen's font sizing on, the fonts of the main window grow and shrink with it; off, they keep
+// their size whatever the window's.
+TEST_F(DesktopCheck, FontsFollowTheMainWindowWhileFontSizingIsOn) {
+  for (bool sizing : {true, false}) {
+    SCOPED_TRACE(sizing ? "font sizing on" : "font sizing off");
+    Home home(sizing ? "check_fonts_on" : "check_fonts_off");
+    testing::Sql(home.store, std::string("UPDATE misc SET fontsizing = ") + (sizing ? "1" : "0"));
+    Desktop d(home.Options());
+    User user(d);
+    user.Then(
+        "the window made larger and smaller",
+        [&] { return d.renderer().MainWindow() && d.renderer().MainWindow()->isVisible(); },
+        [&] {
+          MainForm& main = *d.program().main;
+          EXPECT_EQ(d.program().main_screen.fontsizing, sizing);
+          QWidget* window = d.renderer().MainWindow();
+          QWidget* label = d.renderer().WidgetOf(main.Get(u"seller_id_lbl"));
+          QWidget* title = d.renderer().WidgetOf(main.Get(u"Title_txt", 0));
+          ASSERT_TRUE(label && title);
+          QTest::qWait(50);
+          const double label_size = label->font().pointSizeF();
+          const double title_size = title->font().pointSizeF();
+          const QSize first = window->size();
+          window->resize(first * 1.5);
+          QTest::qWait(100);
+          ASSERT_EQ(window->size(), first * 1.5);
+          const double grown = sizing ? 1.5 : 1.0;
+          EXPECT_NEAR(label->font().pointSizeF(), label_size * grown, 0.1);
+          EXPECT_NEAR(title->font().pointSizeF(), title_size * grown, 0.1);
+          window->resize(first);
+          QTest::qWait(100);
+          EXPECT_NEAR(label->font().pointSizeF(), label_size, 0.1);
+          EXPECT_EQ(Joined(d.renderer().Check()), "");
+        });
+    user.Then("quit", [&] { d.Quit(0); });
+    ASSERT_TRUE(user.Play()) << user.stuck();
+  }
+}
+
 }  // namespace
 }  // namespace lw::desktop

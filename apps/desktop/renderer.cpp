@@ -5,6 +5,7 @@
 #include <QCloseEvent>
 #include <QCursor>
 #include <QDialog>
+#include <QFont>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -16,6 +17,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <cmath>
 #include <unordered_set>
 
 #include "apps/desktop/desktop.h"
@@ -127,6 +129,7 @@ struct Renderer::Window {
   bool needs_layout = false;
   bool geometry_applied = false;
   bool applying_geometry = false;
+  QSize first_size;  // the size the window had when it was first shown: fonts at their size there
 };
 
 Renderer::Renderer(Desktop& desktop, Screen& screen) : desktop_(desktop), screen_(screen) {
@@ -244,6 +247,7 @@ void Renderer::FormChanged(Form& form) {
   SyncWindow(*w);
   if (!w->top->isVisible()) {
     w->top->show();
+    if (w->main && w->first_size.isEmpty()) w->first_size = w->top->size();
     w->top->raise();
     w->top->activateWindow();
   }
@@ -270,6 +274,7 @@ QWidget* Renderer::Build(Form& form) {
                           f.width = Twips(r.width());
                           f.height = Twips(r.height());
                         }
+                        if (w.main) FollowWindowSize(w);
                         if (f.OnResize) desktop_.Dispatch([&f] { f.OnResize(); });
                       }};
   if (&form == screen_.main_form) {
@@ -346,6 +351,30 @@ void Renderer::SyncWindow(Window& w) {
     if (QWidget* widget = active ? WidgetOf(*active) : nullptr)
       if (widget->isVisible() && !widget->hasFocus()) widget->setFocus(Qt::OtherFocusReason);
   }
+}
+
+double Renderer::FontScale(const Form& form) const {
+  return &form == screen_.main_form ? font_scale_ : 1.0;
+}
+
+void Renderer::FollowWindowSize(Window& w) {
+  double scale = 1;
+  if (fonts_follow_window && fonts_follow_window() && !w.first_size.isEmpty() && !w.top->isMinimized()) {
+    const QSize now = w.top->size();
+    scale = std::min(static_cast<double>(now.width()) / w.first_size.width(),
+                     static_cast<double>(now.height()) / w.first_size.height());
+    // Within reason: text stays readable in a small window and fits a wide one.
+    scale = std::clamp(scale, 0.6, 2.5);
+  }
+  if (std::abs(scale - font_scale_) < 0.02) return;
+  font_scale_ = scale;
+  QFont font = QApplication::font();
+  font.setPointSizeF(font.pointSizeF() * scale);
+  w.top->setFont(font);
+  ++syncing_;
+  for (const auto& c : w.form->controls())
+    if (ControlView* v = ViewOf(*c)) v->Sync(change::kLook);
+  --syncing_;
 }
 
 // ---- Layout

@@ -86,6 +86,12 @@ class Renderer : public ScreenObserver {
   // Runs a change of the model a view makes itself (a tree node the user opened) without its notice.
   void Quietly(const Control& control, const std::function<void()>& change);
 
+  // Whether the main window's fonts grow and shrink with it, asked at each change of its size.
+  std::function<bool()> fonts_follow_window;
+  // How much the fonts of a form's controls are scaled now: 1 but for the main window with fonts that
+  // follow its size, where it is its size over the size it first had, in the smaller direction.
+  double FontScale(const Form& form) const;
+
  private:
   struct Window;
   Window* WindowFor(const Form& form) const;
@@ -96,6 +102,7 @@ class Renderer : public ScreenObserver {
   void ApplyGeometry(Window& window);
   void SyncWindow(Window& window);
   void OnFocusChanged(QWidget* now);
+  void FollowWindowSize(Window& window);
 
   Desktop& desktop_;
   Screen& screen_;
@@ -109,6 +116,7 @@ class Renderer : public ScreenObserver {
   bool flush_posted_ = false;
   int syncing_ = 0;
   const Control* quiet_ = nullptr;
+  double font_scale_ = 1;
 
   friend class ControlView;
 };

@@ -31,6 +31,7 @@
 #include <map>
 
 #include "apps/desktop/desktop.h"
+#include "apps/desktop/document_views.h"
 #include "apps/desktop/grid_view.h"
 #include "apps/desktop/qt_convert.h"
 #include "apps/desktop/renderer.h"
@@ -232,7 +233,9 @@ void ControlView::SyncCommon(unsigned changes) {
     const FontSpec& f = control_.font();
     QFont font = QApplication::font(widget_);
     if (!f.name.empty()) font.setFamily(Q(f.name));
-    if (f.size > 0) font.setPointSizeF(f.size);
+    // The size is always the widget's own, so that it follows the window where fonts do.
+    const double scale = renderer_.FontScale(control_.form());
+    if (f.size > 0 || scale != 1) font.setPointSizeF((f.size > 0 ? f.size : font.pointSizeF()) * scale);
     font.setBold(f.bold);
     font.setItalic(f.italic);
     font.setUnderline(f.underline);
@@ -1115,6 +1118,8 @@ std::unique_ptr<ControlView> MakeControlView(Renderer& renderer, Control& contro
     case ControlKind::Frame:
       return std::make_unique<FrameView>(renderer, control);
     case ControlKind::Picture:
+      // A picture display draws its file; a bare picture box is an area of colour.
+      if (auto* box = dynamic_cast<PictureBox*>(&control)) return MakePictureView(renderer, *box);
       return std::make_unique<PictureView>(renderer, control);
     case ControlKind::Meter:
       return std::make_unique<MeterView>(renderer, control);
@@ -1136,6 +1141,8 @@ std::unique_ptr<ControlView> MakeControlView(Renderer& renderer, Control& contro
       return std::make_unique<TreeWidgetView>(renderer, control);
     case ControlKind::WebBrowser:
       return std::make_unique<BrowserView>(renderer, control);
+    case ControlKind::ReportViewer:
+      return MakeReportView(renderer, control);
     case ControlKind::Timer:
     case ControlKind::DataControl:
       return nullptr;
