@@ -3,6 +3,8 @@
 // program runs, from inside whatever loop the program waits in (a modal form, a message box).
 #pragma once
 
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
@@ -34,6 +36,12 @@ namespace fs = std::filesystem;
 inline void EnsureApplication() {
   if (QApplication::instance()) return;
   qputenv("QT_QPA_PLATFORM", "offscreen");
+  // The tests see no scanner: otherwise every SANE backend of the machine is probed, slowly, and may
+  // answer differently from one machine to the next.
+  const fs::path sane = fs::temp_directory_path() / ("lw-desktop-sane-" + std::to_string(::getpid()));
+  fs::create_directories(sane);
+  std::ofstream(sane / "dll.conf").flush();
+  qputenv("SANE_CONFIG_DIR", QByteArray::fromStdString(sane.string()));
   PrepareWebEngine();
   static int argc = 1;
   static char name[] = "lw_desktop_tests";
