@@ -1,8 +1,10 @@
 // The walk over every form and control of the model: each control has its widget, and each widget
 // shows the model's caption, text and visibility, before and after the program changes them.
+#include <QAbstractItemView>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QScrollArea>
 #include <QTabWidget>
 #include <QTableView>
 #include <QTest>
@@ -128,6 +130,8 @@ TEST_F(DesktopCheck, TheGridReadsRowsOnDemand) {
         auto* model = dynamic_cast<GridModel*>(table->model());
         ASSERT_NE(model, nullptr);
         EXPECT_EQ(model->rowCount(), 3000);
+        // A window of the size a seller's screen gives, where the grid is in sight whole.
+        d.renderer().MainWindow()->resize(1000, 700);
         // What is painted is read, a screenful; the jump to the end reads the end's screenful.
         const size_t start = model->rows_read();
         model->RowsChanged();
@@ -274,6 +278,71 @@ TEST_F(DesktopCheck, TheChargesDialogShowsWithoutCodeOfItsOwn) {
       .Then(
           "the dialog closed", [&] { return !d.renderer().WindowOf(*costs)->isVisible(); },
           [&] { EXPECT_FALSE(costs->visible()); });
+  user.Then("quit", [&] { d.Quit(0); });
+  ASSERT_TRUE(user.Play()) << user.stuck();
+}
+
+// Whatever page has been shown, the main window fits a small screen: a page taller than the window
+// scrolls at its natural size, so each of its controls can be scrolled to, and the grids keep rows.
+TEST_F(DesktopCheck, EveryPageFitsASmallScreenAndScrollsToEachOfItsControls) {
+  Home home("check_small_screen");
+  testing::Sql(home.store,
+               "DELETE FROM seller;"
+               "INSERT INTO seller (Item, Title, username, site, Price, \"End\", Completed, pending) "
+               "VALUES (100000001, 'Oak chair', 'lotseller', 'eBay', 250000, 46000, 1, 0);");
+  Desktop d(home.Options());
+  User user(d);
+  user.Then(
+      "every page shown in a window of a small screen",
+      [&] { return d.renderer().MainWindow() && d.renderer().MainWindow()->isVisible(); },
+      [&] {
+        MainForm& main = *d.program().main;
+        QWidget* window = d.renderer().MainWindow();
+        auto* tabs = qobject_cast<QTabWidget*>(d.renderer().WidgetOf(main.SSTab1));
+        ASSERT_NE(tabs, nullptr);
+        window->showNormal();
+        window->resize(1000, 700);
+        bool scrolled = false;
+        bool lister_shown = false;
+        for (int i = 0; i < tabs->count(); ++i) {
+          if (!tabs->isTabVisible(i) || !tabs->isTabEnabled(i)) continue;
+          SCOPED_TRACE(tabs->tabText(i).toStdString());
+          lister_shown = lister_shown || i == kListerPage;
+          tabs->setCurrentIndex(i);
+          ASSERT_EQ(main.SSTab1.tab(), i);
+          QTest::qWait(20);
+          EXPECT_LT(window->minimumSizeHint().height(), 800);
+          EXPECT_LE(window->minimumSizeHint().width(), 1000);
+          auto* area = qobject_cast<QScrollArea*>(tabs->widget(i));
+          ASSERT_NE(area, nullptr);
+          QWidget* content = area->widget();
+          ASSERT_NE(content, nullptr);
+          // The content is never squeezed below what its controls need.
+          EXPECT_GE(content->height(), content->minimumSizeHint().height());
+          EXPECT_GE(content->width(), content->minimumSizeHint().width());
+          scrolled = scrolled || content->height() > area->viewport()->height();
+          int reached = 0;
+          for (const auto& c : main.controls()) {
+            QWidget* w = d.renderer().WidgetOf(*c);
+            if (!w || !content->isAncestorOf(w) || !c->Reachable()) continue;
+            area->ensureWidgetVisible(w, 0, 0);
+            const QRect at(w->mapTo(area->viewport(), QPoint(0, 0)), w->size());
+            EXPECT_TRUE(area->viewport()->rect().intersects(at)) << ToUtf8(c->name());
+            // Grids and trees keep a few rows rather than giving their room to the fields.
+            if (qobject_cast<QAbstractItemView*>(w)) {
+              EXPECT_GE(w->height(), 5 * w->fontMetrics().height()) << ToUtf8(c->name());
+            }
+            ++reached;
+          }
+          EXPECT_GT(reached, 0);
+        }
+        // The tallest page, the Sell page, is taller than the window: scrolling keeps it whole.
+        EXPECT_TRUE(lister_shown);
+        EXPECT_TRUE(scrolled);
+        window->resize(window->minimumSizeHint());
+        QTest::qWait(20);
+        EXPECT_LT(window->height(), 800);
+      });
   user.Then("quit", [&] { d.Quit(0); });
   ASSERT_TRUE(user.Play()) << user.stuck();
 }

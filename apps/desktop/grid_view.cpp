@@ -155,6 +155,7 @@ class GridView : public ControlView {
       const int row = index.row();
       UserAction([this, row] { grid_.UserRow(row); });
     });
+    KeepRowsInSight(*table_, table_->verticalHeader()->defaultSectionSize());
     widget_ = table_;
     WatchInput(table_->viewport());
     Sync(change::kAll);

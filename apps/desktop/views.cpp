@@ -18,6 +18,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollArea>
 #include <QStatusBar>
 #include <QTime>
 #include <QTimer>
@@ -98,6 +99,11 @@ std::pair<int, int> ModelKey(const QKeyEvent& e) {
 }
 
 }  // namespace
+
+void KeepRowsInSight(QWidget& list, int row_height, int rows) {
+  // The rows, a header and the frame round them.
+  list.setMinimumHeight((rows + 1) * row_height + 4);
+}
 
 void ApplyColours(QWidget& widget, const Control& control, bool input) {
   QPalette p = QApplication::palette(&widget);
@@ -848,8 +854,14 @@ class TabView : public ControlView {
     const TabStrip& strip = strip_;
     if (changes & change::kItems) {
       while (static_cast<int>(pages_.size()) < strip.Tabs()) {
+        // A page taller or wider than the window scrolls inside it rather than growing the window
+        // past the screen; its content keeps its natural size, so every control stays reachable.
         auto* page = new QWidget;
-        tabs_->addTab(page, QString());
+        auto* area = new QScrollArea;
+        area->setWidgetResizable(true);
+        area->setFrameShape(QFrame::NoFrame);
+        area->setWidget(page);
+        tabs_->addTab(area, QString());
         pages_.push_back(page);
       }
       for (int i = 0; i < strip.Tabs(); ++i) {
@@ -971,6 +983,7 @@ class TreeWidgetView : public ControlView {
                      [expand](QTreeWidgetItem* i) { expand(i, true); });
     QObject::connect(widget_tree_, &QTreeWidget::itemCollapsed,
                      [expand](QTreeWidgetItem* i) { expand(i, false); });
+    KeepRowsInSight(*widget_tree_, widget_tree_->fontMetrics().height() + 6);
     widget_ = widget_tree_;
     WatchInput(widget_tree_);
     Sync(change::kAll);

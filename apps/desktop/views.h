@@ -63,6 +63,10 @@ class ControlView {
 // The view of a control of this kind, or nullptr for a kind without a widget (timers, data controls).
 std::unique_ptr<ControlView> MakeControlView(Renderer& renderer, Control& control);
 
+// A list, grid or tree inside a scrolling page keeps room for a few rows rather than shrinking to
+// nothing when the window is small.
+void KeepRowsInSight(QWidget& list, int row_height, int rows = 6);
+
 // Sets a widget's text colours and background from the model's colours. The model's defaults (black on
 // white) leave the widget's own look.
 void ApplyColours(QWidget& widget, const Control& control, bool input);
