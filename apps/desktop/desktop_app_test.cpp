@@ -33,10 +33,8 @@ using testing::OpenBox;
 using testing::Press;
 using testing::User;
 
-class DesktopApp : public ::testing::Test {
+class DesktopApp : public testing::DesktopTest {
  protected:
-  void SetUp() override { testing::EnsureApplication(); }
-
   template <class W = QWidget>
   W* Widget(Desktop& d, const Control& c) {
     return qobject_cast<W*>(d.renderer().WidgetOf(c));
@@ -153,37 +151,35 @@ TEST_F(DesktopApp, EachListBarEntryShowsThePageTheModelSays) {
         if (auto* cancel = Widget<QPushButton>(d, days->Get(u"import_cancel_btn"))) cancel->click();
   });
   dismiss.start(20);
-  user.Then(
-      "the main window", [&] { return d.renderer().MainWindow() && d.renderer().MainWindow()->isVisible(); },
-      [&] {
-        main = d.program().main;
-        auto* box = Widget<QToolBox>(d, main->ctListBar1);
-        ASSERT_NE(box, nullptr);
-        auto* tabs = Widget<QTabWidget>(d, main->SSTab1);
-        ASSERT_NE(tabs, nullptr);
-        for (int g = 0; g < box->count(); ++g) {
-          box->setCurrentIndex(g);
-          auto* list = qobject_cast<QListWidget*>(box->widget(g));
-          ASSERT_NE(list, nullptr);
-          for (int i = 0; i < list->count(); ++i) {
-            const QString caption = list->item(i)->text();
-            if (caption == "Quit") continue;
-            QRect at = list->visualItemRect(list->item(i));
-            QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at.center());
-            ++clicks;
-            // The page the model is on is the page on show, and the screen shows the model.
-            QTest::qWait(30);
-            EXPECT_EQ(tabs->currentIndex(), main->SSTab1.tab()) << caption.toStdString();
-            pages_seen[caption.toStdString()] = main->SSTab1.tab();
-            for (const std::string& problem : d.renderer().Check())
-              ADD_FAILURE() << caption.toStdString() << ": " << problem;
-          }
-        }
-        // The browser commands take the screen to the web view's page, the record commands to
-        // the auction's details.
-        EXPECT_EQ(pages_seen["Search"], kBrowserPage);
-        EXPECT_EQ(pages_seen["View My Ebay"], kBrowserPage);
-      });
+  user.Then("the main window", testing::MainWindowShown(d), [&] {
+    main = d.program().main;
+    auto* box = Widget<QToolBox>(d, main->ctListBar1);
+    ASSERT_NE(box, nullptr);
+    auto* tabs = Widget<QTabWidget>(d, main->SSTab1);
+    ASSERT_NE(tabs, nullptr);
+    for (int g = 0; g < box->count(); ++g) {
+      box->setCurrentIndex(g);
+      auto* list = qobject_cast<QListWidget*>(box->widget(g));
+      ASSERT_NE(list, nullptr);
+      for (int i = 0; i < list->count(); ++i) {
+        const QString caption = list->item(i)->text();
+        if (caption == "Quit") continue;
+        QRect at = list->visualItemRect(list->item(i));
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at.center());
+        ++clicks;
+        // The page the model is on is the page on show, and the screen shows the model.
+        QTest::qWait(30);
+        EXPECT_EQ(tabs->currentIndex(), main->SSTab1.tab()) << caption.toStdString();
+        pages_seen[caption.toStdString()] = main->SSTab1.tab();
+        for (const std::string& problem : d.renderer().Check())
+          ADD_FAILURE() << caption.toStdString() << ": " << problem;
+      }
+    }
+    // The browser commands take the screen to the web view's page, the record commands to
+    // the auction's details.
+    EXPECT_EQ(pages_seen["Search"], kBrowserPage);
+    EXPECT_EQ(pages_seen["View My Ebay"], kBrowserPage);
+  });
   user.Then("no more answering for the user", [&] { dismiss.stop(); });
   CloseAndAnswerBackup(user, d);
   ASSERT_TRUE(user.Play(120000)) << user.stuck();
@@ -204,43 +200,40 @@ TEST_F(DesktopApp, AStatusChosenInTheListChangesTheRowsOfTheGrid) {
   MainForm* main = nullptr;
   QTableView* table = nullptr;
   QComboBox* status = nullptr;
-  user.Then(
-      "the main window", [&] { return d.renderer().MainWindow() && d.renderer().MainWindow()->isVisible(); },
-      [&] {
-        main = d.program().main;
-        table = Widget<QTableView>(d, main->seller_grid);
-        status = Widget<QComboBox>(d, main->Auction_status_lst);
-        ASSERT_TRUE(table && status);
-        EXPECT_EQ(status->currentText(), "All Auctions");
-        EXPECT_EQ(table->model()->rowCount(), 2);  // the default view: the auctions not completed
-        const int title = Column(main->seller_grid, u"Title");
-        // The user picks other statuses with the keys of the list: each is the model's, and the
-        // grid shows the model's rows.
-        status->setFocus();
-        for (Qt::Key key : {Qt::Key_Up, Qt::Key_Up, Qt::Key_Up}) {
-          QTest::keyClick(status, key);
-          EXPECT_EQ(FromQ(status->currentText()), main->Auction_status_lst.text());
-          ASSERT_EQ(table->model()->rowCount(), main->seller_grid.RowCount());
-          for (int r = 0; r < table->model()->rowCount(); ++r)
-            EXPECT_EQ(FromQ(table->model()->index(r, title).data().toString()),
-                      main->seller_grid.Cell(r, title));
-        }
-        EXPECT_EQ(main->Auction_status_lst.text(), u"Auctions in Progress");
-        EXPECT_EQ(table->model()->rowCount(), 2);
-        // A change the program makes shows in the list and the grid.
-        d.Dispatch([&] { main->Auction_status_lst.SetText(u"Auctions Ended - Transaction in Progress"); });
-        EXPECT_EQ(status->currentText(), "Auctions Ended - Transaction in Progress");
-        EXPECT_EQ(table->model()->rowCount(), 1);
-        EXPECT_EQ(table->model()->index(0, title).data().toString(), "Sold clock");
-        // A row clicked is the current record.
-        d.Dispatch([&] { main->Auction_status_lst.SetText(u"Auctions in Progress"); });
-        QTest::mouseClick(table->viewport(), Qt::LeftButton, {},
-                          table->visualRect(table->model()->index(1, 0)).center());
-        EXPECT_EQ(main->seller_grid.row(), 1);
-        EXPECT_EQ(table->currentIndex().row(), 1);
-        d.Dispatch([&] { main->seller.MoveFirst(); });
-        EXPECT_EQ(table->currentIndex().row(), 0);
-      });
+  user.Then("the main window", testing::MainWindowShown(d), [&] {
+    main = d.program().main;
+    table = Widget<QTableView>(d, main->seller_grid);
+    status = Widget<QComboBox>(d, main->Auction_status_lst);
+    ASSERT_TRUE(table && status);
+    EXPECT_EQ(status->currentText(), "All Auctions");
+    EXPECT_EQ(table->model()->rowCount(), 2);  // the default view: the auctions not completed
+    const int title = Column(main->seller_grid, u"Title");
+    // The user picks other statuses with the keys of the list: each is the model's, and the
+    // grid shows the model's rows.
+    status->setFocus();
+    for (Qt::Key key : {Qt::Key_Up, Qt::Key_Up, Qt::Key_Up}) {
+      QTest::keyClick(status, key);
+      EXPECT_EQ(FromQ(status->currentText()), main->Auction_status_lst.text());
+      ASSERT_EQ(table->model()->rowCount(), main->seller_grid.RowCount());
+      for (int r = 0; r < table->model()->rowCount(); ++r)
+        EXPECT_EQ(FromQ(table->model()->index(r, title).data().toString()), main->seller_grid.Cell(r, title));
+    }
+    EXPECT_EQ(main->Auction_status_lst.text(), u"Auctions in Progress");
+    EXPECT_EQ(table->model()->rowCount(), 2);
+    // A change the program makes shows in the list and the grid.
+    d.Dispatch([&] { main->Auction_status_lst.SetText(u"Auctions Ended - Transaction in Progress"); });
+    EXPECT_EQ(status->currentText(), "Auctions Ended - Transaction in Progress");
+    EXPECT_EQ(table->model()->rowCount(), 1);
+    EXPECT_EQ(table->model()->index(0, title).data().toString(), "Sold clock");
+    // A row clicked is the current record.
+    d.Dispatch([&] { main->Auction_status_lst.SetText(u"Auctions in Progress"); });
+    QTest::mouseClick(table->viewport(), Qt::LeftButton, {},
+                      table->visualRect(table->model()->index(1, 0)).center());
+    EXPECT_EQ(main->seller_grid.row(), 1);
+    EXPECT_EQ(table->currentIndex().row(), 1);
+    d.Dispatch([&] { main->seller.MoveFirst(); });
+    EXPECT_EQ(table->currentIndex().row(), 0);
+  });
   CloseAndAnswerBackup(user, d);
   ASSERT_TRUE(user.Play()) << user.stuck();
 }
@@ -250,25 +243,23 @@ TEST_F(DesktopApp, DeletingTheLastUseridSaysItCannotOnTheSetupPage) {
   Desktop d(home.Options());
   User user(d);
   MainForm* main = nullptr;
-  user.ThenOpening(
-          "the Setup page by its key",
-          [&] { return d.renderer().MainWindow() && d.renderer().MainWindow()->isVisible(); },
-          [&] {
-            main = d.program().main;
-            auto* tabs = Widget<QTabWidget>(d, main->SSTab1);
-            QTest::keyClick(Widget<QComboBox>(d, main->Auction_type_lst), Qt::Key_F11);
-            EXPECT_EQ(main->SSTab1.tab(), kSetupPage);
-            EXPECT_EQ(tabs->currentIndex(), kSetupPage);
-            // The screen is locked on the page: the other pages and the list bar are disabled.
-            EXPECT_FALSE(tabs->isTabEnabled(0));
-            EXPECT_FALSE(Widget(d, main->ctListBar1)->isEnabled());
-            auto* bar = Widget<QToolBar>(d, main->Get(u"ctToolBar5"));
-            ASSERT_NE(bar, nullptr);
-            QAction* remove = bar->actions().value(2);
-            ASSERT_NE(remove, nullptr);
-            EXPECT_EQ(remove->text(), "Delete Userid");
-            QTest::mouseClick(bar->widgetForAction(remove), Qt::LeftButton);
-          })
+  user.ThenOpening("the Setup page by its key", testing::MainWindowShown(d),
+                   [&] {
+                     main = d.program().main;
+                     auto* tabs = Widget<QTabWidget>(d, main->SSTab1);
+                     QTest::keyClick(Widget<QComboBox>(d, main->Auction_type_lst), Qt::Key_F11);
+                     EXPECT_EQ(main->SSTab1.tab(), kSetupPage);
+                     EXPECT_EQ(tabs->currentIndex(), kSetupPage);
+                     // The screen is locked on the page: the other pages and the list bar are disabled.
+                     EXPECT_FALSE(tabs->isTabEnabled(0));
+                     EXPECT_FALSE(Widget(d, main->ctListBar1)->isEnabled());
+                     auto* bar = Widget<QToolBar>(d, main->Get(u"ctToolBar5"));
+                     ASSERT_NE(bar, nullptr);
+                     QAction* remove = bar->actions().value(2);
+                     ASSERT_NE(remove, nullptr);
+                     EXPECT_EQ(remove->text(), "Delete Userid");
+                     QTest::mouseClick(bar->widgetForAction(remove), Qt::LeftButton);
+                   })
       .OnBox("the refusal",
              [](QMessageBox& box) {
                EXPECT_EQ(box.windowTitle(), "Can't Delete");
@@ -310,12 +301,10 @@ TEST_F(DesktopApp, ADatabaseNamedForTheRunOpensAndTheSettingsKeepTheirOwn) {
   options.database = other;
   Desktop d(options);
   User user(d);
-  user.Then("the main window on the other store",
-            [&] { return d.renderer().MainWindow() && d.renderer().MainWindow()->isVisible(); },
-            [&] {
-              EXPECT_EQ(d.program().main->Userid_lst.text(), u"othershop");
-              EXPECT_NE(d.renderer().MainWindow()->windowTitle().indexOf("shop.mdb"), -1);
-            });
+  user.Then("the main window on the other store", testing::MainWindowShown(d), [&] {
+    EXPECT_EQ(d.program().main->Userid_lst.text(), u"othershop");
+    EXPECT_NE(d.renderer().MainWindow()->windowTitle().indexOf("shop.mdb"), -1);
+  });
   CloseAndAnswerBackup(user, d);
   ASSERT_TRUE(user.Play()) << user.stuck();
   std::ifstream settings(home.dir / "config" / "lotwright" / "settings.ini");
@@ -332,8 +321,7 @@ TEST_F(DesktopApp, TimersAndQueuedEventsRunInTheLoop) {
   int ticks = 0;
   bool delivered_here = false;
   const auto gui = std::this_thread::get_id();
-  user.Then("a timer started and an event posted from another thread",
-            [&] { return d.renderer().MainWindow() && d.renderer().MainWindow()->isVisible(); },
+  user.Then("a timer started and an event posted from another thread", testing::MainWindowShown(d),
             [&] {
               Timer& t = d.program().main->Get<Timer>(u"Timer1");
               d.Dispatch([&] {
@@ -346,15 +334,16 @@ TEST_F(DesktopApp, TimersAndQueuedEventsRunInTheLoop) {
                 q.Post([&delivered_here, gui] { delivered_here = std::this_thread::get_id() == gui; });
               }).join();
             })
-      .Then("both came", [&] { return ticks >= 3 && delivered_here; },
-            [&] {
-              Timer& t = d.program().main->Get<Timer>(u"Timer1");
-              d.Dispatch([&] { t.SetEnabled(false); });
-              const int stopped_at = ticks;
-              QTest::qWait(200);
-              EXPECT_EQ(ticks, stopped_at);
-              d.Quit(0);
-            });
+      .Then(
+          "both came", [&] { return ticks >= 3 && delivered_here; },
+          [&] {
+            Timer& t = d.program().main->Get<Timer>(u"Timer1");
+            d.Dispatch([&] { t.SetEnabled(false); });
+            const int stopped_at = ticks;
+            QTest::qWait(200);
+            EXPECT_EQ(ticks, stopped_at);
+            d.Quit(0);
+          });
   ASSERT_TRUE(user.Play()) << user.stuck();
 }
 

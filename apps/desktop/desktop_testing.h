@@ -12,6 +12,8 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QMessageBox>
+#include <QTableView>
+#include <QTest>
 #include <QTimer>
 #include <QWidget>
 
@@ -61,6 +63,41 @@ inline void Sql(const fs::path& store, const std::string& sql) {
   sqlite3_close(db);
   if (!ok) throw std::runtime_error("sql on the test store: " + why);
 }
+
+// One lot of the user id in the store, an oak chair sold at $25.00 that ends on day `end`.
+inline void OneLot(const fs::path& store, int end, bool completed) {
+  Sql(store,
+      "DELETE FROM seller;"
+      "INSERT INTO seller (Item, Title, username, site, Price, \"End\", Completed, pending) "
+      "VALUES (100000001, 'Oak chair', 'lotseller', 'eBay', 250000, " +
+          std::to_string(end) + ", " + (completed ? "1" : "0") + ", 0);");
+}
+
+// The lines of the renderer's check, one a line: empty while every widget shows the model.
+inline std::string Joined(const std::vector<std::string>& lines) {
+  std::string out;
+  for (const auto& l : lines) out += l + "\n";
+  return out;
+}
+
+// Ready once the program shows its main window.
+inline std::function<bool()> MainWindowShown(Desktop& d) {
+  return [&d] { return d.renderer().MainWindow() && d.renderer().MainWindow()->isVisible(); };
+}
+
+// The user clicks a row of the grid shown for this control, as the mouse does.
+inline void ClickRow(Desktop& d, Control& grid, int row) {
+  auto* rows = qobject_cast<QTableView*>(d.renderer().WidgetOf(grid));
+  ASSERT_NE(rows, nullptr);
+  QTest::mouseClick(rows->viewport(), Qt::LeftButton, {},
+                    rows->visualRect(rows->model()->index(row, 1)).center());
+}
+
+// The tests of the desktop program share the one application.
+class DesktopTest : public ::testing::Test {
+ protected:
+  void SetUp() override { EnsureApplication(); }
+};
 
 // Hosts of the site for the tests: a closed port on the loopback, so that nothing leaves the machine.
 inline std::string ClosedHosts(const std::string& except_key = "", const std::string& except_host = "") {

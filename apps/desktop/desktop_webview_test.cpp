@@ -25,10 +25,7 @@ namespace {
 using testing::Home;
 using testing::User;
 
-class DesktopWebView : public ::testing::Test {
- protected:
-  void SetUp() override { testing::EnsureApplication(); }
-};
+class DesktopWebView : public testing::DesktopTest {};
 
 // The lines of the server's record of requests whose target holds `target`.
 std::vector<std::string> Requests(const lw::testing::LoopbackHttpServer& server, const std::string& target) {
@@ -67,16 +64,14 @@ TEST_F(DesktopWebView, SignInAndPageCookiesServeTheImportAndTheImportsCookiesSer
   };
   auto loaded = [&] { return web && web->pages_complete() > pages && !main->WebBrowser1.busy; };
 
-  user.Then(
-          "the sign-in page in the web view",
-          [&] { return d.renderer().MainWindow() && d.renderer().MainWindow()->isVisible(); },
-          [&] {
-            main = d.program().main;
-            d.Dispatch([&] { main->SSTab1.UserTab(kBrowserPage); });
-            web = &d.renderer().WebViewFor(main->WebBrowser1);
-            // The page asks for a sign-in first, and comes once signed in.
-            load("/desktop_cookie_page.html");
-          })
+  user.Then("the sign-in page in the web view", testing::MainWindowShown(d),
+            [&] {
+              main = d.program().main;
+              d.Dispatch([&] { main->SSTab1.UserTab(kBrowserPage); });
+              web = &d.renderer().WebViewFor(main->WebBrowser1);
+              // The page asks for a sign-in first, and comes once signed in.
+              load("/desktop_cookie_page.html");
+            })
       .Then("signing in on the page", loaded,
             [&] {
               EXPECT_EQ(main->WebBrowser1.document_title, u"Sign In");
