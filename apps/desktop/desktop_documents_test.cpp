@@ -41,6 +41,14 @@ void OpenPage(Desktop& d, const Text& caption) {
   FAIL() << "no page " << ToUtf8(caption);
 }
 
+// The user picks the first lot of the grid and opens the page with this caption.
+void ShowFirstLotOn(Desktop& d, const Text& caption) {
+  MainForm& main = *d.program().main;
+  testing::ClickRow(d, main.seller_grid, 0);
+  ASSERT_EQ(main.seller_grid.row(), 0);
+  OpenPage(d, caption);
+}
+
 // Pixels darker than mid grey inside a box of the image.
 int DarkPixels(const QImage& image, const QRect& box) {
   int dark = 0;
@@ -68,9 +76,7 @@ TEST_F(DesktopDocuments, TheReportsPageDrawsTheChosenReportAndTurnsItsPages) {
   User user(d);
   user.Then("the report of the auction on show", testing::MainWindowShown(d), [&] {
     MainForm& main = *d.program().main;
-    testing::ClickRow(d, main.seller_grid, 0);
-    ASSERT_EQ(main.seller_grid.row(), 0);
-    OpenPage(d, u"Reports (F9)");
+    ShowFirstLotOn(d, u"Reports (F9)");
     auto& viewer = main.Get<ReportViewer>(u"arv");
     QWidget* shown = d.renderer().WidgetOf(viewer);
     ASSERT_NE(shown, nullptr);
@@ -182,9 +188,7 @@ TEST_F(DesktopDocuments, TheImagePageDrawsThePictureInTheChosenDisplayMode) {
   User user(d);
   user.Then("the picture of the auction", testing::MainWindowShown(d), [&] {
     MainForm& main = *d.program().main;
-    testing::ClickRow(d, main.seller_grid, 0);
-    ASSERT_EQ(main.seller_grid.row(), 0);
-    OpenPage(d, u"Image (F5)");
+    ShowFirstLotOn(d, u"Image (F5)");
     auto& box = main.Get<PictureBox>(u"PicBuf1");
     auto* area = qobject_cast<QScrollArea*>(d.renderer().WidgetOf(box));
     ASSERT_NE(area, nullptr);
