@@ -43,9 +43,12 @@ function(lw_library name)
   endif()
 endfunction()
 
-# A Google Benchmark program from bench/NAME.cpp.
+# A Google Benchmark program from bench/NAME.cpp, or from SOURCE.
 function(lw_bench name)
-  cmake_parse_arguments(ARG "" "" "DEPS" ${ARGN})
-  add_executable(${name} ${PROJECT_SOURCE_DIR}/bench/${name}.cpp)
+  cmake_parse_arguments(ARG "" "SOURCE" "DEPS" ${ARGN})
+  if(NOT ARG_SOURCE)
+    set(ARG_SOURCE ${PROJECT_SOURCE_DIR}/bench/${name}.cpp)
+  endif()
+  add_executable(${name} ${ARG_SOURCE})
   target_link_libraries(${name} PRIVATE ${ARG_DEPS} benchmark::benchmark)
 endfunction()
