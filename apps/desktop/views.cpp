@@ -53,6 +53,11 @@ std::string Shown(const QString& s) {
   return "\"" + s.toStdString() + "\"";
 }
 
+// The check's line for a widget that shows `shown` where the model's `what` holds `model`.
+std::string ShowsOther(const QString& shown, const char* what, const Text& model) {
+  return "shows " + Shown(shown) + ", " + what + " is " + Shown(Q(model));
+}
+
 // The key codes and characters of a key as the model numbers them; {0, 0} for a key the model does
 // not hear of (modifiers, Tab, which moves the focus).
 std::pair<int, int> ModelKey(const QKeyEvent& e) {
@@ -289,7 +294,7 @@ class LabelView : public ControlView {
   void Check(std::vector<std::string>& problems) const override {
     ControlView::Check(problems);
     if (label_->text() != Q(control_.caption()))
-      Report(problems, "shows " + Shown(label_->text()) + ", caption is " + Shown(Q(control_.caption())));
+      Report(problems, ShowsOther(label_->text(), "caption", control_.caption()));
   }
 
  private:
@@ -382,8 +387,7 @@ class TextView : public ControlView {
     Text shown = line_ ? FromQ(line_->text()) : ModelLines(lines_->toPlainText());
     Text model = control_.text();
     if (lines_) model = ModelLines(ShownLines(model));
-    if (shown != model)
-      Report(problems, "shows " + Shown(Q(shown)) + ", text is " + Shown(Q(control_.text())));
+    if (shown != model) Report(problems, ShowsOther(Q(shown), "text", control_.text()));
   }
 
  private:
@@ -413,7 +417,7 @@ class ButtonView : public ControlView {
   void Check(std::vector<std::string>& problems) const override {
     ControlView::Check(problems);
     if (button_->text() != Literal(control_.caption()))
-      Report(problems, "shows " + Shown(button_->text()) + ", caption is " + Shown(Q(control_.caption())));
+      Report(problems, ShowsOther(button_->text(), "caption", control_.caption()));
   }
 
  private:
@@ -458,7 +462,7 @@ class CheckView : public ControlView {
   void Check(std::vector<std::string>& problems) const override {
     ControlView::Check(problems);
     if (button_->text() != Literal(control_.caption()))
-      Report(problems, "shows " + Shown(button_->text()) + ", caption is " + Shown(Q(control_.caption())));
+      Report(problems, ShowsOther(button_->text(), "caption", control_.caption()));
     bool on = control_.value() != 0;
     if (qobject_cast<QCheckBox*>(button_)) on = control_.value() == 1;
     if (button_->isChecked() != on) Report(problems, "shows the wrong value");
@@ -521,8 +525,7 @@ class ComboView : public ControlView {
       if (combo_->itemText(i) != Q(list_.List(i))) Report(problems, "item " + std::to_string(i) + " differs");
     QString shown = combo_->currentIndex() >= 0 || combo_->isEditable() ? combo_->currentText()
                                                                         : combo_->placeholderText();
-    if (shown != Q(list_.text()))
-      Report(problems, "shows " + Shown(shown) + ", text is " + Shown(Q(list_.text())));
+    if (shown != Q(list_.text())) Report(problems, ShowsOther(shown, "text", list_.text()));
   }
 
  private:
@@ -601,7 +604,7 @@ class FrameView : public ControlView {
   void Check(std::vector<std::string>& problems) const override {
     ControlView::Check(problems);
     if (box_->title() != Literal(control_.caption()))
-      Report(problems, "shows " + Shown(box_->title()) + ", caption is " + Shown(Q(control_.caption())));
+      Report(problems, ShowsOther(box_->title(), "caption", control_.caption()));
   }
 
  private:
@@ -1084,7 +1087,7 @@ class MenuView : public ControlView {
   }
   void Check(std::vector<std::string>& problems) const override {
     if (action_->text() != Literal(menu_.caption()))
-      Report(problems, "shows " + Shown(action_->text()) + ", caption is " + Shown(Q(menu_.caption())));
+      Report(problems, ShowsOther(action_->text(), "caption", menu_.caption()));
     if (action_->isVisible() != menu_.visible()) Report(problems, "menu visibility differs");
   }
 

@@ -36,12 +36,12 @@ import argparse
 import http.server
 import os
 import re
-import signal
 import socket
-import sys
 import threading
 import time
 import xml.dom.minidom
+
+import http_loopback
 
 PATH = "/ws/api.dll"
 HEADERS = [
@@ -311,29 +311,7 @@ def main():
     state = State(args)
     server = Server(("127.0.0.1", 0), Handler)
     server.state = state
-    port = server.server_address[1]
-
-    def stop(*_):
-        state.stopping.set()
-        threading.Thread(target=server.shutdown, daemon=True).start()
-
-    signal.signal(signal.SIGTERM, stop)
-    signal.signal(signal.SIGINT, stop)
-    if args.watch_stdin:
-        # The test program that started the server holds its standard input; when that program ends,
-        # however it ends, the server ends too.
-        def watch():
-            sys.stdin.read()
-            stop()
-
-        threading.Thread(target=watch, daemon=True).start()
-    if args.port_file:
-        with open(args.port_file + ".tmp", "w") as f:
-            f.write("%d\n" % port)
-        os.replace(args.port_file + ".tmp", args.port_file)
-    print(port, flush=True)
-    server.serve_forever(poll_interval=0.1)
-    state.stopping.set()
+    http_loopback.serve(server, state.stopping, args.port_file, args.watch_stdin, poll_interval=0.1)
 
 
 if __name__ == "__main__":

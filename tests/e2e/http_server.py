@@ -26,11 +26,11 @@ import json
 import os
 import re
 import secrets
-import signal
 import socket
-import sys
 import threading
 import urllib.parse
+
+import http_loopback
 
 SESSION_COOKIE = "lw_session"
 
@@ -254,29 +254,7 @@ def main():
 
     server = Server(("127.0.0.1", 0), Handler)
     server.state = state
-    port = server.server_address[1]
-
-    def stop(*_):
-        state.stop.set()
-        threading.Thread(target=server.shutdown, daemon=True).start()
-
-    signal.signal(signal.SIGTERM, stop)
-    signal.signal(signal.SIGINT, stop)
-    if args.watch_stdin:
-        def watch():
-            sys.stdin.read()
-            stop()
-        threading.Thread(target=watch, daemon=True).start()
-
-    if args.port_file:
-        tmp = args.port_file + ".tmp"
-        with open(tmp, "w") as f:
-            f.write("%d\n" % port)
-        os.replace(tmp, args.port_file)
-    print(port, flush=True)
-    server.serve_forever(poll_interval=0.2)
-    state.stop.set()
-    server.server_close()
+    http_loopback.serve(server, state.stop, args.port_file, args.watch_stdin, poll_interval=0.2)
 
 
 if __name__ == "__main__":
