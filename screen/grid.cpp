@@ -284,18 +284,7 @@ void Grid::UserEditCell(int row, int col, const Text& value) {
   SetRow(row);
   SetCol(col);
   if (DataControl* source = data_source()) {
-    if (!c.data_field.empty()) {
-      Recordset& rs = source->recordset();
-      rs.Edit();
-      try {
-        rs.SetField(c.data_field, value.empty() ? Variant() : Variant(value));
-        rs.Update();
-      } catch (...) {
-        rs.CancelUpdate();
-        throw;
-      }
-      source->Reposition();
-    }
+    if (!c.data_field.empty()) StoreField(*source, c.data_field, value.empty() ? Variant() : Variant(value));
   } else {
     SetCell(row, col, value);
   }
@@ -318,17 +307,25 @@ void Grid::UserSet(const Text& value) {
   if (row() < 0) throw UserError("grid " + ToUtf8(Reference()) + " has no current row");
   if (c.data_field.empty()) throw UserRefused("column " + std::to_string(col_) + " shows no field");
   form().SetFocus(this);
-  Recordset& r = source->recordset();
   try {
-    r.Edit();
-    r.SetField(c.data_field, Variant(value));
-    r.Update();
+    StoreField(*source, c.data_field, Variant(value));
   } catch (const RuntimeError& e) {
-    // The store refused the value: the row keeps what it had, as a desktop grid would after its error.
-    if (r.EditInProgress()) r.CancelUpdate();
     throw UserRefused("the grid's row was not changed: " + e.description());
   }
-  source->Reposition();
+}
+
+void Grid::StoreField(DataControl& source, const Text& field, const Variant& value) {
+  Recordset& r = source.recordset();
+  r.Edit();
+  try {
+    r.SetField(field, value);
+    r.Update();
+  } catch (...) {
+    // The store refused the value: the row keeps what it had, as a desktop grid would after its error.
+    if (r.EditInProgress()) r.CancelUpdate();
+    throw;
+  }
+  source.Reposition();
 }
 
 void Grid::UserKey(int key_code, int ascii) {

@@ -88,6 +88,8 @@ class Grid : public Control {
   std::optional<Text> Property(TextView name, const std::vector<Text>& args) const override;
 
  private:
+  // The user's value written to the current row's field; the row is left as it was when the store refuses.
+  void StoreField(DataControl& source, const Text& field, const Variant& value);
   DataControl* source_ = nullptr;
   std::vector<std::vector<Text>> rows_;
   int row_ = -1;
